@@ -1,0 +1,18 @@
+#include "platform/clock.hpp"
+
+#include <chrono>
+
+namespace mw {
+
+Date systemNow() {
+    const auto since = std::chrono::system_clock::now().time_since_epoch();
+    return Date::fromUnix(std::chrono::duration<double>(since).count());
+}
+
+Clock systemClock() { return systemNow; }
+
+Clock fixedClock(Date date) {
+    return [date] { return date; };
+}
+
+}  // namespace mw

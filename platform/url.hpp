@@ -1,0 +1,18 @@
+#pragma once
+#include <string>
+#include <string_view>
+
+namespace mw {
+
+inline constexpr std::string_view kOpenAppURL = "meterwick://open";
+
+// Percent-escapes `path` as a URL path: unreserved characters, the sub-delims
+// and ":", "@" and "/" stay; everything else, non-ASCII included, becomes
+// %XX per UTF-8 byte.
+std::string escapeURLPath(std::string_view path);
+
+// "meterwick://tool/<key>", the key escaped as a path; the open-app URL when
+// the key is empty.
+std::string toolURL(std::string_view toolKey);
+
+}  // namespace mw

@@ -1,0 +1,34 @@
+# Shared by the scripts: installs what is missing from Debian's packages and
+# configures/builds one build tree.
+set -euo pipefail
+
+MW_ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+
+MW_PACKAGES=(
+  g++ cmake make pkg-config
+  nlohmann-json3-dev libcli11-dev
+  libcairo2-dev libpango1.0-dev librsvg2-dev fonts-inter
+  libgtest-dev libgmock-dev libbenchmark-dev
+)
+
+mw_install_missing() {
+  local missing=() pkg
+  for pkg in "${MW_PACKAGES[@]}" "$@"; do
+    if ! dpkg-query -W -f='${Status}' "$pkg" 2>/dev/null | grep -q 'install ok installed'; then
+      missing+=("$pkg")
+    fi
+  done
+  [ ${#missing[@]} -eq 0 ] && return 0
+  echo "Installing: ${missing[*]}" >&2
+  local sudo=()
+  [ "$(id -u)" -ne 0 ] && sudo=(sudo)
+  "${sudo[@]}" apt-get update -qq
+  DEBIAN_FRONTEND=noninteractive "${sudo[@]}" apt-get install -y --no-install-recommends "${missing[@]}"
+}
+
+# mw_build DIR [cmake options…]: configure once, then build everything.
+mw_build() {
+  local dir="$1"; shift
+  cmake -S "$MW_ROOT" -B "$dir" "$@" >/dev/null
+  cmake --build "$dir" -j "$(nproc)"
+}
