@@ -1,0 +1,85 @@
+#pragma once
+// The option enumerations of the configurable widgets. They sit in the model
+// because the limit board ranks by them; the configuration layer offers them.
+// Each has one table: case, stored raw value, display text, in case order.
+
+#include <array>
+#include <optional>
+#include <string_view>
+
+namespace mw {
+
+template <class E>
+struct OptionCase {
+    E value;
+    std::string_view raw;
+    std::string_view display;
+};
+
+enum class WidgetLimitChoice { weekly, fiveHour };
+enum class WidgetPercentChoice { left, used };
+enum class WidgetOrderChoice { mostRoom, app };
+enum class WidgetDetailStyle { classic, enhanced };
+
+template <class E>
+struct OptionTable;
+
+template <>
+struct OptionTable<WidgetLimitChoice> {
+    static constexpr std::string_view typeDisplayName = "Limit";
+    static constexpr std::array<OptionCase<WidgetLimitChoice>, 2> cases{{
+        {WidgetLimitChoice::weekly, "weekly", "Weekly"},
+        {WidgetLimitChoice::fiveHour, "fiveHour", "5-hour"},
+    }};
+};
+
+template <>
+struct OptionTable<WidgetPercentChoice> {
+    static constexpr std::string_view typeDisplayName = "Show";
+    static constexpr std::array<OptionCase<WidgetPercentChoice>, 2> cases{{
+        {WidgetPercentChoice::left, "left", "Percent left"},
+        {WidgetPercentChoice::used, "used", "Percent used"},
+    }};
+};
+
+template <>
+struct OptionTable<WidgetOrderChoice> {
+    static constexpr std::string_view typeDisplayName = "Order";
+    static constexpr std::array<OptionCase<WidgetOrderChoice>, 2> cases{{
+        {WidgetOrderChoice::mostRoom, "mostRoom", "Most room first"},
+        {WidgetOrderChoice::app, "app", "Same as the app"},
+    }};
+};
+
+template <>
+struct OptionTable<WidgetDetailStyle> {
+    static constexpr std::string_view typeDisplayName = "Style";
+    static constexpr std::array<OptionCase<WidgetDetailStyle>, 2> cases{{
+        {WidgetDetailStyle::classic, "classic", "Classic"},
+        {WidgetDetailStyle::enhanced, "enhanced", "Enhanced (session, weekly and pace)"},
+    }};
+};
+
+template <class E>
+constexpr std::string_view rawValue(E value) {
+    for (const auto& c : OptionTable<E>::cases)
+        if (c.value == value) return c.raw;
+    return {};
+}
+
+template <class E>
+constexpr std::string_view displayText(E value) {
+    for (const auto& c : OptionTable<E>::cases)
+        if (c.value == value) return c.display;
+    return {};
+}
+
+// Unknown text maps to no case.
+template <class E>
+constexpr std::optional<E> fromRaw(std::string_view raw) {
+    for (const auto& c : OptionTable<E>::cases)
+        if (c.raw == raw) return c.value;
+    return std::nullopt;
+}
+
+}  // namespace mw

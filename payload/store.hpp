@@ -1,0 +1,35 @@
+#pragma once
+#include <filesystem>
+#include <optional>
+#include <string_view>
+
+#include "payload/records.hpp"
+
+namespace mw {
+
+inline constexpr const char* kPayloadFileName = "widget-payload.json";
+
+// How a load went. The raw values are read back by the application.
+enum class ReadStatus { ok, noContainer, missing, unreadable, decodeFailed };
+
+std::string_view rawValue(ReadStatus status);
+std::optional<ReadStatus> readStatusFromRaw(std::string_view raw);
+
+struct LoadResult {
+    WidgetPayload payload;
+    ReadStatus status = ReadStatus::ok;
+    bool operator==(const LoadResult&) const = default;
+};
+
+// The only reader of the application's data. Nothing is cached: every call
+// reads the file as it is at that moment.
+namespace WidgetStore {
+
+// Looks the container up from the process environment.
+LoadResult load();
+// With the container already looked up (nothing: noContainer, and no file
+// system access at all).
+LoadResult load(const std::optional<std::filesystem::path>& container);
+
+}  // namespace WidgetStore
+}  // namespace mw
