@@ -36,12 +36,50 @@ constexpr Civil civilFromDays(std::int64_t z) {
     return {y + (m <= 2), m, d};
 }
 
-constexpr bool isLeap(std::int64_t y) { return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0; }
+// Like the platform's calendar, dates before 1582-10-15 are Julian, which is
+// what makes the distant past (-63114076800 s) read 0001-01-01T00:00:00Z.
+constexpr std::int64_t kGregorianStartDay = -141427;  // 1582-10-15 in days from 1970
+
+constexpr std::int64_t daysFromJulian(std::int64_t y, unsigned m, unsigned d) {
+    const std::int64_t a = (14 - m) / 12;
+    const std::int64_t y2 = y + 4800 - a;
+    const std::int64_t m2 = m + 12 * a - 3;
+    return d + (153 * m2 + 2) / 5 + 365 * y2 + y2 / 4 - 32083 - 2440588;
+}
+
+constexpr Civil julianFromDays(std::int64_t days) {
+    const std::int64_t c = days + 2440588 + 32082;
+    const std::int64_t d = (4 * c + 3) / 1461;
+    const std::int64_t e = c - 1461 * d / 4;
+    const std::int64_t m = (5 * e + 2) / 153;
+    return {d - 4800 + m / 10, static_cast<unsigned>(m + 3 - 12 * (m / 10)),
+            static_cast<unsigned>(e - (153 * m + 2) / 5 + 1)};
+}
+
+constexpr bool isJulian(std::int64_t y, unsigned m, unsigned d) {
+    return y < 1582 || (y == 1582 && (m < 10 || (m == 10 && d < 15)));
+}
+
+constexpr bool isLeap(std::int64_t y) {
+    if (y < 1582) return y % 4 == 0;
+    return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0;
+}
 
 constexpr unsigned daysInMonth(std::int64_t y, unsigned m) {
     constexpr unsigned table[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
     return m == 2 && isLeap(y) ? 29 : table[m - 1];
 }
+
+constexpr std::int64_t daysFromDate(std::int64_t y, unsigned m, unsigned d) {
+    return isJulian(y, m, d) ? daysFromJulian(y, m, d) : daysFromCivil(y, m, d);
+}
+
+constexpr Civil dateFromDays(std::int64_t days) {
+    return days < kGregorianStartDay ? julianFromDays(days) : civilFromDays(days);
+}
+
+static_assert(daysFromCivil(1582, 10, 15) == kGregorianStartDay);
+static_assert(daysFromJulian(1582, 10, 4) == kGregorianStartDay - 1);
 
 // Reads exactly `count` ASCII digits at text[pos].
 std::optional<int> digits(std::string_view text, std::size_t pos, std::size_t count) {
@@ -71,6 +109,7 @@ std::optional<Date> parseISO8601(std::string_view t) {
     if (*day < 1 || static_cast<unsigned>(*day) > daysInMonth(*year, static_cast<unsigned>(*month)))
         return std::nullopt;
     if (*hour > 23 || *minute > 59 || *second > 59) return std::nullopt;
+    if (*year == 1582 && *month == 10 && *day > 4 && *day < 15) return std::nullopt;  // the calendar's gap
 
     int offsetSeconds = 0;
     const std::string_view zone = t.substr(19);
@@ -84,7 +123,7 @@ std::optional<Date> parseISO8601(std::string_view t) {
         return std::nullopt;  // no zone, a fraction, or trailing text
     }
 
-    const std::int64_t days = daysFromCivil(*year, static_cast<unsigned>(*month), static_cast<unsigned>(*day));
+    const std::int64_t days = daysFromDate(*year, static_cast<unsigned>(*month), static_cast<unsigned>(*day));
     const std::int64_t unix = days * 86400 + *hour * 3600 + *minute * 60 + *second - offsetSeconds;
     return Date::fromUnix(static_cast<double>(unix));
 }
@@ -92,7 +131,7 @@ std::optional<Date> parseISO8601(std::string_view t) {
 std::string formatISO8601(Date date) {
     const double unixSeconds = std::floor(date.unixSeconds());
     // Outside years 1 to 9999 the text form has no meaning; clamp instead of overflowing.
-    constexpr double kFirst = -62135596800.0, kLast = 253402300799.0;
+    constexpr double kFirst = -62135769600.0, kLast = 253402300799.0;
     if (std::isnan(unixSeconds)) return formatISO8601(kDistantPast);
     auto total = static_cast<std::int64_t>(std::clamp(unixSeconds, kFirst, kLast));
     std::int64_t days = total / 86400;
@@ -101,7 +140,7 @@ std::string formatISO8601(Date date) {
         rest += 86400;
         days -= 1;
     }
-    const Civil c = civilFromDays(days);
+    const Civil c = dateFromDays(days);
     char buffer[40];
     std::snprintf(buffer, sizeof buffer, "%04lld-%02u-%02uT%02lld:%02lld:%02lldZ", static_cast<long long>(c.year),
                   c.month, c.day, static_cast<long long>(rest / 3600), static_cast<long long>(rest / 60 % 60),

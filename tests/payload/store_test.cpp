@@ -1,0 +1,82 @@
+#include "payload/store.hpp"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include "support/temp_dir.hpp"
+
+namespace mw {
+namespace {
+
+using testing::TempDir;
+
+TEST(WidgetStore, NoContainerTouchesNothing) {
+    const auto result = WidgetStore::load(std::nullopt);
+    EXPECT_EQ(result.status, ReadStatus::noContainer);
+    EXPECT_EQ(result.payload, emptyPayload());
+}
+
+TEST(WidgetStore, ReportsEachStatusInOrder) {
+    struct Case {
+        const char* name;
+        std::function<void(const TempDir&)> prepare;
+        ReadStatus expected;
+    };
+    const Case cases[] = {
+        {"no file", [](const TempDir&) {}, ReadStatus::missing},
+        {"directory in its place",
+         [](const TempDir& d) { std::filesystem::create_directory(d / kPayloadFileName); }, ReadStatus::unreadable},
+        {"dangling link", [](const TempDir& d) { std::filesystem::create_symlink(d / "gone", d / kPayloadFileName); },
+         ReadStatus::missing},
+        {"empty file", [](const TempDir& d) { d.write(kPayloadFileName, ""); }, ReadStatus::decodeFailed},
+        {"not JSON", [](const TempDir& d) { d.write(kPayloadFileName, "updatedAt: now"); }, ReadStatus::decodeFailed},
+        {"array root", [](const TempDir& d) { d.write(kPayloadFileName, "[{}]"); }, ReadStatus::decodeFailed},
+        {"empty object", [](const TempDir& d) { d.write(kPayloadFileName, "{}"); }, ReadStatus::ok},
+    };
+    for (const auto& c : cases) {
+        TempDir dir;
+        c.prepare(dir);
+        const auto result = WidgetStore::load(dir.path());
+        EXPECT_EQ(result.status, c.expected) << c.name;
+        EXPECT_EQ(result.payload, emptyPayload()) << c.name;
+    }
+}
+
+TEST(WidgetStore, UnreadableWhenPermissionIsDenied) {
+    if (::geteuid() == 0) GTEST_SKIP() << "root reads every file";
+    TempDir dir;
+    dir.write(kPayloadFileName, "{}");
+    ::chmod((dir / kPayloadFileName).c_str(), 0);
+    EXPECT_EQ(WidgetStore::load(dir.path()).status, ReadStatus::unreadable);
+}
+
+TEST(WidgetStore, EveryLoadSeesTheFileAsItIsNow) {
+    TempDir dir;
+    dir.write(kPayloadFileName, R"({"updatedAt":"2025-01-31T14:05:00Z"})");
+    const auto first = WidgetStore::load(dir.path());
+    dir.write("next.json", R"({"updatedAt":"2025-01-31T15:05:00Z","showRemaining":true})");
+    std::filesystem::rename(dir / "next.json", dir / kPayloadFileName);
+    const auto second = WidgetStore::load(dir.path());
+    ASSERT_EQ(first.status, ReadStatus::ok);
+    ASSERT_EQ(second.status, ReadStatus::ok);
+    EXPECT_EQ(second.payload.updatedAt - first.payload.updatedAt, 3600);
+    EXPECT_TRUE(second.payload.showRemaining);
+}
+
+TEST(ReadStatus, RawValuesAreTheCaseNames) {
+    for (const auto& [status, raw] : std::vector<std::pair<ReadStatus, std::string>>{
+             {ReadStatus::ok, "ok"},
+             {ReadStatus::noContainer, "noContainer"},
+             {ReadStatus::missing, "missing"},
+             {ReadStatus::unreadable, "unreadable"},
+             {ReadStatus::decodeFailed, "decodeFailed"}}) {
+        EXPECT_EQ(rawValue(status), raw);
+        EXPECT_EQ(readStatusFromRaw(raw), status);
+    }
+    EXPECT_EQ(readStatusFromRaw("OK"), std::nullopt);
+}
+
+}  // namespace
+}  // namespace mw
