@@ -262,33 +262,60 @@ void from_json(const Json& j, WidgetDashboard& d) {
     d.relayedFrom = optional<std::string>(j, "relayedFrom");
 }
 
-bool nestsDeeperThan(std::string_view bytes, int limit) {
-    int depth = 0;
-    bool inString = false, escaped = false;
-    for (const char c : bytes) {
-        if (inString) {
-            if (escaped) {
-                escaped = false;
-            } else if (c == '\\') {
-                escaped = true;
-            } else if (c == '"') {
-                inString = false;
-            }
-        } else if (c == '"') {
-            inString = true;
-        } else if (c == '[' || c == '{') {
-            if (++depth > limit) return true;
-        } else if (c == ']' || c == '}') {
-            --depth;
-        }
+namespace {
+
+// Builds the document like json::parse does, but gives up as soon as arrays
+// and objects nest deeper than the limit, so the depth check costs nothing
+// beyond the parse itself.
+class DepthLimitedBuilder {
+public:
+    explicit DepthLimitedBuilder(Json& root) : dom_(root, /*allow_exceptions=*/false) {}
+
+    bool null() { return dom_.null(); }
+    bool boolean(bool v) { return dom_.boolean(v); }
+    bool number_integer(Json::number_integer_t v) { return dom_.number_integer(v); }
+    bool number_unsigned(Json::number_unsigned_t v) { return dom_.number_unsigned(v); }
+    bool number_float(Json::number_float_t v, const Json::string_t& s) { return dom_.number_float(v, s); }
+    bool string(Json::string_t& v) { return dom_.string(v); }
+    bool binary(Json::binary_t& v) { return dom_.binary(v); }
+    bool start_object(std::size_t n) { return ++depth_ <= kMaxPayloadNesting && dom_.start_object(n); }
+    bool key(Json::string_t& k) { return dom_.key(k); }
+    bool end_object() {
+        --depth_;
+        return dom_.end_object();
     }
-    return false;
+    bool start_array(std::size_t n) { return ++depth_ <= kMaxPayloadNesting && dom_.start_array(n); }
+    bool end_array() {
+        --depth_;
+        return dom_.end_array();
+    }
+    bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception&) { return false; }
+
+private:
+    nlohmann::detail::json_sax_dom_parser<Json> dom_;
+    int depth_ = 0;
+};
+
+// The document, or nothing when it is not JSON or nests too deep.
+std::optional<Json> parseLimited(std::string_view bytes) {
+    Json root;
+    DepthLimitedBuilder builder(root);
+    bool ok = false;
+    try {
+        ok = Json::sax_parse(bytes.begin(), bytes.end(), &builder, nlohmann::json::input_format_t::json, true);
+    } catch (const nlohmann::json::exception&) {
+        ok = false;
+    }
+    if (!ok) return std::nullopt;
+    return root;
 }
 
+}  // namespace
+
 std::optional<WidgetPayload> decodePayload(std::string_view bytes) {
-    if (nestsDeeperThan(bytes, kMaxPayloadNesting)) return std::nullopt;
-    const Json root = Json::parse(bytes.begin(), bytes.end(), nullptr, /*allow_exceptions=*/false);
-    if (root.is_discarded() || !root.is_object()) return std::nullopt;
+    const auto parsed = parseLimited(bytes);
+    if (!parsed || !parsed->is_object()) return std::nullopt;
+    const Json& root = *parsed;
 
     WidgetPayload payload;
     lenient(root, "updatedAt", payload.updatedAt);

@@ -12,7 +12,7 @@
 
 namespace mw {
 
-// Documents nested deeper than this are refused before parsing: they are
+// Documents nested deeper than this are refused while parsing: they are
 // never a real payload, and deep values are costly to walk.
 inline constexpr int kMaxPayloadNesting = 512;
 
@@ -24,10 +24,6 @@ std::optional<WidgetPayload> decodePayload(std::string_view bytes);
 // optionals omitted.
 std::string encodePayload(const WidgetPayload& payload);
 nlohmann::ordered_json toJSON(const WidgetPayload& payload);
-
-// Whether the JSON text's arrays and objects nest deeper than `limit`
-// (a linear scan; no parse).
-bool nestsDeeperThan(std::string_view bytes, int limit);
 
 // Strict decoders of the nested records (throw json::DecodeError).
 void from_json(const nlohmann::json& j, WidgetUsageWindow& value);
