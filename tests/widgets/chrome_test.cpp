@@ -1,0 +1,263 @@
+#include "widgets/chrome/chrome.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "model/fixtures.hpp"
+#include "model/pace.hpp"
+#include "render/fake_measurer.hpp"
+#include "render/layout.hpp"
+
+namespace mw {
+namespace {
+
+using render::DisplayList;
+using render::DrawOp;
+using render::ImageDraw;
+using render::Rect;
+using render::ShapeDraw;
+using render::TextDraw;
+using RColor = render::Color;
+using mw::testing::kNow;
+using mw::testing::pacedWindow;
+
+const render::testing::FakeMeasurer kMeasurer;
+const Color kBrand = Color::rgb(0.2, 0.4, 0.6);
+
+DisplayList lay(const render::View& view, render::Size size = {100, 100}) {
+    return render::layout(view, size, kMeasurer);
+}
+
+// Copies, so that a list laid out in the same expression may go.
+std::vector<DrawOp> shapes(const DisplayList& list) {
+    std::vector<DrawOp> out;
+    for (const auto& op : list.ops) {
+        if (std::holds_alternative<ShapeDraw>(op.item)) out.push_back(op);
+    }
+    return out;
+}
+const ShapeDraw& shapeOf(const DrawOp& op) { return std::get<ShapeDraw>(op.item); }
+
+TEST(ChromeText, AgeTextTruncatesToMinutesThenHoursWithoutDays) {
+    const struct {
+        double age;
+        const char* text;
+    } cases[] = {{-30, "now"}, {0, "now"},          {59, "now"},          {59.99, "now"},  {60, "1m ago"},
+                 {119.9, "1m ago"}, {3599, "59m ago"}, {3600, "1h ago"}, {7199, "1h ago"}, {172800, "48h ago"}};
+    for (const auto& c : cases) EXPECT_EQ(ageText(kNow, kNow - c.age), c.text) << c.age;
+    EXPECT_EQ(ageText(kNow, Date{std::nan("")}), "now");
+}
+
+TEST(ChromeText, LinksAndColours) {
+    EXPECT_EQ(openAppURL(), "meterwick://open");
+    EXPECT_EQ(&openAppURL(), &openAppURL());
+    EXPECT_EQ(toolLinkURL(""), "meterwick://open");
+    EXPECT_EQ(toolLinkURL("claude:work"), "meterwick://tool/claude:work");
+    EXPECT_EQ(toolLinkURL("a b#c"), "meterwick://tool/a%20b%23c");
+
+    EXPECT_EQ(toRender(Color::rgb(0.1, 0.2, 0.3, 0.4)), RColor::rgb(0.1, 0.2, 0.3, 0.4));
+    EXPECT_EQ(toRender(Color::secondary()), RColor::secondary());
+    EXPECT_EQ(toRender(Color::primary(0.3)), RColor::primary().withOpacity(0.3));
+    EXPECT_EQ(toRender(Color::windowBackground(0.98)), RColor::windowBackground().withOpacity(0.98));
+    EXPECT_EQ(toRender(Color::accent()), RColor::accent());
+    EXPECT_EQ(toRender(Color::tertiary()), RColor::tertiary());
+}
+
+TEST(FreshnessMark, HiddenWhileFreshThenLiveOrAgeTurningAmberAtTenMinutes) {
+    const RColor amber = RColor::rgb(0.98, 0.62, 0.16);
+    const struct {
+        double age;
+        bool always;
+        const char* text;  // nullptr: no mark at all
+        RColor color;
+    } cases[] = {
+        {299, false, nullptr, {}},
+        {300, false, "5m ago", RColor::secondary()},
+        {59, true, "Live", RColor::secondary()},
+        {60, true, "1m ago", RColor::secondary()},
+        {599, false, "9m ago", RColor::secondary()},
+        {600, false, "10m ago", amber},
+        {7200, true, "2h ago", amber},
+    };
+    for (const auto& c : cases) {
+        const render::View view = body(FreshnessMark{kNow, kNow - c.age, c.always});
+        if (!c.text) {
+            EXPECT_TRUE(view.isEmpty()) << c.age;
+            continue;
+        }
+        const auto list = lay(view);
+        ASSERT_EQ(list.ops.size(), 1u) << c.age;
+        const auto& text = std::get<TextDraw>(list.ops[0].item);
+        EXPECT_EQ(text.text(), c.text);
+        EXPECT_EQ(text.color, c.color) << c.age;
+        EXPECT_EQ(text.runs[0].style.font, render::Font::system(8.5, render::Weight::medium));
+    }
+}
+
+TEST(UsageRing, FractionIsCappedAndNeverNegative) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const struct {
+        double percent;
+        double trimTo;
+    } cases[] = {{42, 0.42}, {100, 1}, {150, 1}, {0, 0}, {-5, 0}, {nan, 0}};
+    for (const auto& c : cases) {
+        const auto ops = shapes(lay(body(UsageRing{c.percent, kBrand, 0, 9})));
+        ASSERT_EQ(ops.size(), 2u);
+        const ShapeDraw& track = shapeOf(ops[0]);
+        const ShapeDraw& progress = shapeOf(ops[1]);
+        EXPECT_TRUE(track.trim.isFull());
+        EXPECT_EQ(track.color, RColor::primary().withOpacity(0.1));
+        EXPECT_EQ(track.stroke.cap, render::LineCap::butt);
+        EXPECT_DOUBLE_EQ(progress.trim.from, 0);
+        EXPECT_DOUBLE_EQ(progress.trim.to, c.trimTo) << c.percent;
+        EXPECT_EQ(progress.stroke.cap, render::LineCap::round);
+        EXPECT_EQ(progress.stroke.lineWidth, 9);
+        EXPECT_DOUBLE_EQ(ops[1].rotationDegrees, -90);
+    }
+}
+
+TEST(UsageRing, OnlyLevelsTwoAndThreeRecolourTheProgress) {
+    const struct {
+        std::int64_t level;
+        RColor color;
+    } cases[] = {{0, toRender(kBrand)},
+                 {1, toRender(kBrand)},
+                 {4, toRender(kBrand)},
+                 {-1, toRender(kBrand)},
+                 {2, RColor::rgb(0.98, 0.66, 0.18)},
+                 {3, RColor::rgb(0.93, 0.30, 0.30)}};
+    for (const auto& c : cases) {
+        const auto ops = shapes(lay(body(UsageRing{50, kBrand, c.level, 6})));
+        EXPECT_EQ(shapeOf(ops[1]).color, c.color) << c.level;
+        EXPECT_EQ(shapeOf(ops[0]).color, RColor::primary().withOpacity(0.1));
+    }
+}
+
+// A five-hour window a quarter gone, 30 % used: ring fill 0.3, tick at three o'clock.
+TEST(PaceRings, FillTrimAndTickReachTheDisplayList) {
+    PaceRings rings{pacedWindow("5h", 30, 18000, 0.25), std::nullopt, kBrand, kNow};
+    const auto ops = shapes(lay(body(rings), {100, 100}));
+    ASSERT_EQ(ops.size(), 3u);  // track, fill, tick
+    EXPECT_EQ(ops[0].frame, (Rect{3.5, 3.5, 93, 93}));
+    EXPECT_EQ(shapeOf(ops[0]).color, RColor::primary().withOpacity(0.09));
+    EXPECT_EQ(shapeOf(ops[1]).trim, (render::Trim{0, 0.3}));
+    EXPECT_EQ(shapeOf(ops[1]).color, toRender(kBrand));
+    EXPECT_DOUBLE_EQ(ops[1].rotationDegrees, -90);
+    // The tick stands on the stroke's centre line at the top, then turns a quarter.
+    EXPECT_DOUBLE_EQ(ops[2].frame.width, 1.6);
+    EXPECT_DOUBLE_EQ(ops[2].frame.height, 10);
+    EXPECT_DOUBLE_EQ(ops[2].frame.midX(), 50);
+    EXPECT_DOUBLE_EQ(ops[2].frame.midY(), 3.5);
+    EXPECT_DOUBLE_EQ(ops[2].rotationDegrees, 90);
+    const render::Point tip = ops[2].transform.apply({ops[2].frame.midX(), ops[2].frame.midY()});
+    EXPECT_NEAR(tip.x, 96.5, 1e-9);
+    EXPECT_NEAR(tip.y, 50, 1e-9);
+
+    rings.remaining = true;
+    const auto left = shapes(lay(body(rings), {100, 100}));
+    EXPECT_EQ(shapeOf(left[1]).trim, (render::Trim{0, 0.7}));
+    EXPECT_DOUBLE_EQ(left[2].rotationDegrees, 270);
+}
+
+TEST(PaceRings, InnerRingSitsInsideAtANinetyPercentTint) {
+    const PaceRings rings{pacedWindow("5h", 95, 18000, 0.5), pacedWindow("week", 40, testing::kWeek, 0.5),
+                          kBrand, kNow};
+    const auto ops = shapes(lay(body(rings), {100, 100}));
+    ASSERT_EQ(ops.size(), 6u);
+    EXPECT_EQ(shapeOf(ops[1]).color, toRender(dangerRed()));
+    EXPECT_EQ(ops[3].frame, (Rect{12.5, 12.5, 75, 75}));
+    EXPECT_EQ(shapeOf(ops[3]).stroke.lineWidth, 5);
+    EXPECT_EQ(shapeOf(ops[4]).color, toRender(kBrand).withOpacity(0.9));
+    EXPECT_DOUBLE_EQ(ops[5].frame.height, 8);
+}
+
+TEST(PaceTick, WithoutAPaceTheTickHasNoLengthAndFractionsAreClamped) {
+    const PaceRings rings{testing::window("none", 30), std::nullopt, kBrand, kNow};
+    const auto ops = shapes(lay(body(rings)));
+    ASSERT_EQ(ops.size(), 3u);
+    EXPECT_DOUBLE_EQ(ops[2].frame.height, 0);
+    EXPECT_DOUBLE_EQ(ops[2].rotationDegrees, 0);
+
+    for (const auto& [fraction, degrees] : {std::pair{-0.5, 0.0}, {1.5, 360.0}, {std::nan(""), 0.0}}) {
+        const auto tick = shapes(lay(body(PaceTick{fraction, 4}), {40, 60}));
+        ASSERT_EQ(tick.size(), 1u);
+        EXPECT_DOUBLE_EQ(tick[0].rotationDegrees, degrees);
+        EXPECT_DOUBLE_EQ(tick[0].frame.midY(), 30 - 20);  // side = min(40, 60)
+        EXPECT_EQ(shapeOf(tick[0]).color, RColor::primary().withOpacity(0.6));
+    }
+}
+
+TEST(PaceBar, TrackFillAndTickAtTheElapsedShare) {
+    PaceBar bar{pacedWindow("week", 30, testing::kWeek, 0.5), kBrand, kNow};
+    const auto ops = shapes(lay(body(bar), {200, 40}));
+    ASSERT_EQ(ops.size(), 3u);
+    EXPECT_DOUBLE_EQ(ops[0].frame.width, 200);
+    EXPECT_DOUBLE_EQ(ops[0].frame.height, 5);
+    EXPECT_DOUBLE_EQ(ops[1].frame.width, 60);
+    EXPECT_EQ(ops[1].frame.x, ops[0].frame.x);
+    EXPECT_EQ(shapeOf(ops[1]).color, toRender(kBrand));
+    EXPECT_DOUBLE_EQ(ops[2].frame.midX(), ops[0].frame.x + 100);
+    EXPECT_DOUBLE_EQ(ops[2].frame.midY(), ops[0].frame.midY());
+
+    bar.window = testing::window("none", 0);
+    EXPECT_EQ(shapes(lay(body(bar), {200, 40})).size(), 1u);  // only the track
+}
+
+TEST(ProviderMark, LogoWhenTheAssetExistsElseTheInitialInACircle) {
+    const auto logo = lay(body(ProviderMarkView{"claude", kBrand, 20}));
+    ASSERT_EQ(logo.ops.size(), 1u);
+    const auto& image = std::get<ImageDraw>(logo.ops[0].item);
+    EXPECT_EQ(image.name, "provider-claude");
+    EXPECT_EQ(image.tint, toRender(kBrand));
+    EXPECT_EQ(logo.ops[0].frame, (Rect{40, 40, 20, 20}));
+
+    for (const auto& [tool, initial] : {std::pair{"codex", "C"}, {"antigravity", "A"}, {"zeta-2", "Z"}}) {
+        const auto list = lay(body(ProviderMarkView{tool, kBrand, 20}));
+        EXPECT_TRUE(render::testing::opsOf(list, [](const DrawOp& op) {
+                        return std::holds_alternative<ImageDraw>(op.item);
+                    }).empty());
+        const auto circle = shapes(list);
+        ASSERT_EQ(circle.size(), 1u);
+        EXPECT_EQ(circle[0].frame, (Rect{44, 44, 12, 12}));  // inset 20 × 0.2
+        EXPECT_EQ(shapeOf(circle[0]).color, toRender(kBrand).withOpacity(0.22));
+        ASSERT_NE(render::testing::textNamed(list, initial), nullptr) << tool;
+    }
+}
+
+TEST(EmptyState, SymbolAndTextsAreShownVerbatimAndCentred) {
+    const WidgetEmptyState state{"No **accounts** %@", "Connect a provider in Meterwick and this fills in.", "link"};
+    const auto list = lay(body(state), {170, 170});
+    ASSERT_EQ(list.ops.size(), 3u);
+    const auto& symbol = std::get<ImageDraw>(list.ops[0].item);
+    EXPECT_EQ(symbol.name, "link");
+    EXPECT_EQ(symbol.tint, RColor::secondary());
+    const auto& title = std::get<TextDraw>(list.ops[1].item);
+    const auto& subtitle = std::get<TextDraw>(list.ops[2].item);
+    EXPECT_EQ(title.text(), state.title);
+    EXPECT_EQ(subtitle.text(), state.subtitle);
+    EXPECT_EQ(title.runs[0].style.font, render::Font::system(13, render::Weight::semibold));
+    EXPECT_EQ(subtitle.runs[0].style.font, render::Font::system(11));
+    EXPECT_EQ(subtitle.alignment, render::TextAlignment::center);
+    EXPECT_GE(list.ops[2].frame.x, 10);  // horizontal padding; the subtitle wraps within it
+    EXPECT_LE(list.ops[2].frame.maxX(), 160);
+}
+
+TEST(Surface, WindowFillWithAHairlineAlongTheTop) {
+    const auto ops = shapes(lay(body(WidgetSurface{}), {364, 170}));
+    ASSERT_EQ(ops.size(), 2u);
+    EXPECT_EQ(ops[0].frame, (Rect{0, 0, 364, 170}));
+    EXPECT_EQ(shapeOf(ops[0]).color, RColor::windowBackground().withOpacity(0.98));
+    EXPECT_EQ(ops[1].frame, (Rect{0, 0, 364, 1}));
+    EXPECT_EQ(shapeOf(ops[1]).color, RColor::white(0.06));
+
+    const auto badge = lay(body(BrandBadge{}), {170, 40});
+    const auto& icon = std::get<ImageDraw>(badge.ops.at(1).item);
+    EXPECT_EQ(icon.name, "AppIcon");
+    EXPECT_EQ(badge.ops[1].frame.width, 17);
+    ASSERT_NE(render::testing::textNamed(badge, "Meterwick"), nullptr);
+}
+
+}  // namespace
+}  // namespace mw

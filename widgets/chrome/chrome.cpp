@@ -1,0 +1,135 @@
+#include "widgets/chrome/chrome.hpp"
+
+#include <cmath>
+#include <cstdio>
+#include <numbers>
+
+#include "platform/url.hpp"
+
+namespace mw {
+
+namespace {
+
+using render::Font;
+using render::StrokeStyle;
+using render::Weight;
+
+// Data younger than this shows no freshness mark unless asked for.
+constexpr double kFreshSeconds = 300;
+// Data this old or older shows its age in amber.
+constexpr double kAgingSeconds = 600;
+
+std::string wholeUnitsAgo(double amount, const char* unit) {
+    char buffer[48];
+    std::snprintf(buffer, sizeof buffer, "%.0f%s ago", std::trunc(amount), unit);
+    return buffer;
+}
+
+}  // namespace
+
+render::Color toRender(const Color& color) {
+    using RC = render::Color;
+    switch (color.style) {
+        case ColorStyle::rgb: return RC::rgb(color.red, color.green, color.blue, color.opacity);
+        case ColorStyle::primary: return RC::primary().withOpacity(color.opacity);
+        case ColorStyle::secondary: return RC::secondary().withOpacity(color.opacity);
+        case ColorStyle::tertiary: return RC::tertiary().withOpacity(color.opacity);
+        case ColorStyle::accent: return RC::accent().withOpacity(color.opacity);
+        case ColorStyle::windowBackground: return RC::windowBackground().withOpacity(color.opacity);
+    }
+    return RC::primary().withOpacity(color.opacity);
+}
+
+// ---------------------------------------------------------------- links
+
+const std::string& openAppURL() {
+    // A function-local static: built on first use, safely under concurrent first calls.
+    static const std::string url(kOpenAppURL);
+    return url;
+}
+
+std::string toolLinkURL(const std::string& toolKey) {
+    if (toolKey.empty()) return openAppURL();
+    return toolURL(toolKey);
+}
+
+// ---------------------------------------------------------------- texts
+
+std::string ageText(Date reference, Date earlier) {
+    const double age = reference - earlier;
+    if (!(age >= 60)) return "now";  // also a date that is not a number
+    if (age < 3600) return wholeUnitsAgo(age / 60, "m");
+    return wholeUnitsAgo(age / 3600, "h");
+}
+
+// ---------------------------------------------------------------- views
+
+render::View body(const WidgetSurface&) {
+    using namespace render;
+    using render::Color;
+    Frame hairlineFrame;
+    hairlineFrame.height = 1;
+    hairlineFrame.maxWidth = infinity;
+    return ZStack({
+        Rectangle().fill(Color::windowBackground().withOpacity(0.98)),
+        VStack({Rectangle().fill(Color::white(0.06)).frame(hairlineFrame), Spacer()},
+               {.alignment = HAlign::center, .spacing = 0}),
+    });
+}
+
+render::View body(const BrandBadge&) {
+    using namespace render;
+    using render::Color;
+    return HStack(
+        {
+            Image::asset("AppIcon", ContentMode::stretch).frame(17, 17).clipShape(Shape::roundedRectangle(4)),
+            Text("Meterwick").font(Font::system(12, Weight::medium)).foreground(Color::secondary()),
+        },
+        {.alignment = VAlign::center, .spacing = 6});
+}
+
+render::View body(const WidgetEmptyState& state) {
+    using namespace render;
+    using render::Color;
+    return VStack(
+               {
+                   Image::system(state.systemImage)
+                       .font(Font::system(22, Weight::semibold))
+                       .foreground(Color::secondary()),
+                   Text(state.title).font(Font::system(13, Weight::semibold)).foreground(Color::primary()),
+                   Text(state.subtitle).font(Font::system(11, Weight::regular)).foreground(Color::secondary()),
+               },
+               {.alignment = HAlign::center, .spacing = 6})
+        .multilineTextAlignment(TextAlignment::center)
+        .padding(Edge::horizontal, 10);
+}
+
+render::View body(const UsageRing& ring) {
+    using namespace render;
+    using render::Color;
+    double fraction = ring.percent / 100;
+    if (!(fraction > 0)) fraction = 0;  // negative, or not a number
+    fraction = std::min(fraction, 1.0);
+    const StrokeStyle track{.lineWidth = ring.lineWidth, .cap = LineCap::butt, .join = LineJoin::miter, .miterLimit = 10};
+    const StrokeStyle progress{.lineWidth = ring.lineWidth, .cap = LineCap::round, .join = LineJoin::miter, .miterLimit = 10};
+    return ZStack({
+        Circle().stroke(Color::primary().withOpacity(0.1), track),
+        Circle()
+            .trim(0, fraction)
+            .stroke(toRender(usageRingColor(ring.dangerLevel, ring.brandColor)), progress)
+            .rotation(-std::numbers::pi / 2),
+    });
+}
+
+render::View body(const FreshnessMark& mark) {
+    using namespace render;
+    using render::Color;
+    const double age = mark.now - mark.updatedAt;
+    if (!mark.always && age < kFreshSeconds) return {};
+    const Color color = age < kAgingSeconds ? Color::secondary() : toRender(freshnessAmber());
+    return Text(age < 60 ? "Live" : ageText(mark.now, mark.updatedAt))
+        .font(Font::system(8.5, Weight::medium))
+        .foreground(color);
+}
+
+}  // namespace mw
