@@ -28,7 +28,10 @@ bool writeFileAtomically(const std::filesystem::path& target, std::string_view b
     const auto dir = target.has_parent_path() ? target.parent_path() : std::filesystem::path(".");
     // mkstemp opens with O_CREAT | O_EXCL: a link planted at the temporary
     // name makes it pick another name instead of writing through the link.
-    std::string pattern = (dir / ("." + target.filename().string() + ".XXXXXX")).string();
+    std::string name = ".";
+    name += target.filename().string();
+    name += ".XXXXXX";
+    std::string pattern = (dir / name).string();
     const int fd = ::mkstemp(pattern.data());
     if (fd < 0) return false;
     bool ok = ::fchmod(fd, 0644) == 0 && writeAll(fd, bytes) && ::fsync(fd) == 0;

@@ -1,0 +1,161 @@
+#include "model/accounts.hpp"
+
+#include <algorithm>
+#include <cstdio>
+#include <unordered_set>
+
+#include "model/hashing.hpp"
+#include "model/rounding.hpp"
+
+namespace mw::hashing {
+
+template <>
+struct Fold<WidgetUsageWindow> {
+    static void apply(std::size_t& seed, const WidgetUsageWindow& w) {
+        combine(seed, of(w.id, w.label, w.usedPercent, w.resetAt, w.durationSeconds));
+    }
+};
+
+template <>
+struct Fold<WidgetMeter> {
+    static void apply(std::size_t& seed, const WidgetMeter& m) {
+        combine(seed, of(m.id, m.label, m.kind, m.valueText, m.percent, m.resetAt, m.isHeadline, m.regenerates,
+                         m.note));
+    }
+};
+
+template <>
+struct Fold<WidgetDailyValue> {
+    static void apply(std::size_t& seed, const WidgetDailyValue& d) {
+        combine(seed, of(d.day, d.spendUSD, d.requests, d.tokens));
+    }
+};
+
+}  // namespace mw::hashing
+
+namespace mw {
+
+std::string accountKey(const WidgetToolSnapshot& snapshot) { return toolKey(snapshot); }
+
+std::vector<WidgetAccount> accountList(const WidgetPayload& payload) {
+    const std::unordered_set<std::string> enabled(payload.enabledToolIDs.begin(), payload.enabledToolIDs.end());
+
+    std::vector<const WidgetToolSnapshot*> kept;
+    std::vector<std::string_view> toolOrder;  // each toolID once, as it first occurs among the kept
+    for (const auto& tool : payload.tools) {
+        if (!enabled.contains(accountKey(tool))) continue;
+        if (!tool.isConnected && !tool.windows) continue;
+        kept.push_back(&tool);
+        if (std::find(toolOrder.begin(), toolOrder.end(), tool.toolID) == toolOrder.end())
+            toolOrder.push_back(tool.toolID);
+    }
+
+    std::vector<WidgetAccount> accounts;
+    accounts.reserve(kept.size());
+    for (const auto toolID : toolOrder) {
+        for (const bool slugged : {false, true}) {
+            for (const auto* tool : kept) {
+                if (tool->toolID == toolID && tool->accountSlug.has_value() == slugged)
+                    accounts.push_back(WidgetAccount{*tool});
+            }
+        }
+    }
+    return accounts;
+}
+
+std::vector<WidgetUsageWindow> shownWindows(const WidgetAccount& account) {
+    const auto& s = account.snapshot;
+    if (s.hasQuotaHeadline == false) return {};
+    if (s.windows && !s.windows->empty()) return *s.windows;
+    return {WidgetUsageWindow{"headline", "Now", s.usagePercent, s.resetAt, std::nullopt}};
+}
+
+std::optional<WidgetUsageWindow> secondWindow(const WidgetAccount& account) {
+    auto windows = shownWindows(account);
+    if (windows.size() < 2) return std::nullopt;
+    return std::move(windows[1]);
+}
+
+namespace {
+
+std::vector<std::string_view> splitTitle(std::string_view name) {
+    // Like a split that omits empty pieces: "A · · B" has two pieces, and a
+    // name made only of separators has none.
+    std::vector<std::string_view> pieces;
+    while (true) {
+        const auto at = name.find(kTitleSeparator);
+        const auto piece = name.substr(0, at);
+        if (!piece.empty()) pieces.push_back(piece);
+        if (at == std::string_view::npos) break;
+        name.remove_prefix(at + kTitleSeparator.size());
+    }
+    return pieces;
+}
+
+}  // namespace
+
+std::string providerTitle(const WidgetAccount& account) {
+    const auto& name = account.snapshot.displayName;
+    const auto pieces = splitTitle(name);
+    return pieces.empty() ? name : std::string(pieces.front());
+}
+
+std::string accountTitle(const WidgetAccount& account) {
+    const auto& name = account.snapshot.displayName;
+    const auto pieces = splitTitle(name);
+    if (pieces.size() < 2) return name;
+    std::string joined(pieces[1]);
+    for (std::size_t i = 2; i < pieces.size(); ++i) {
+        joined += kTitleSeparator;
+        joined += pieces[i];
+    }
+    return joined;
+}
+
+std::optional<WidgetUsageWindow> limitWindow(const WidgetAccount& account, WidgetLimitChoice limit) {
+    const std::string_view label = limit == WidgetLimitChoice::fiveHour ? "5h" : "Week";
+    const double seconds = limit == WidgetLimitChoice::fiveHour ? 18000 : 604800;
+    for (auto& window : shownWindows(account)) {
+        if (window.label == label || window.durationSeconds == seconds) return std::move(window);
+    }
+    return std::nullopt;
+}
+
+double roomLeft(const WidgetUsageWindow& window) {
+    // max with 0 first: a used percent that is not a number gives 0 room.
+    return std::max(0.0, 100.0 - window.usedPercent);
+}
+
+std::string durationText(double seconds) {
+    const long long minutes = roundHalfAway(seconds / 60);
+    char text[64];
+    if (minutes <= 59) {
+        std::snprintf(text, sizeof text, "%lldm", minutes);
+    } else if (minutes < 1440) {
+        const long long hours = minutes / 60;
+        const long long rest = minutes % 60;
+        if (rest == 0) {
+            std::snprintf(text, sizeof text, "%lldh", hours);
+        } else {
+            std::snprintf(text, sizeof text, "%lldh %lldm", hours, rest);
+        }
+    } else {
+        const long long days = minutes / 1440;
+        const long long rest = minutes % 1440;
+        if (rest < 60) {
+            std::snprintf(text, sizeof text, "%lldd", days);
+        } else {
+            std::snprintf(text, sizeof text, "%lldd %lldh", days, rest / 60);
+        }
+    }
+    return text;
+}
+
+}  // namespace mw
+
+std::size_t std::hash<mw::WidgetAccount>::operator()(const mw::WidgetAccount& account) const noexcept {
+    const auto& s = account.snapshot;
+    return mw::hashing::of(s.toolID, s.accountSlug, s.displayName, s.compactLabel, s.isConnected, s.usagePercent,
+                           s.isUnderRate, s.resetAt, s.dangerLevel, s.menuBarText, s.menuBarDelta, s.brandHex,
+                           s.forecastLabel, s.hasQuotaHeadline, s.rankPercent, s.windows, s.meters, s.dailyValues);
+}

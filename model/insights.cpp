@@ -1,0 +1,91 @@
+#include "model/insights.hpp"
+
+#include <algorithm>
+#include <cinttypes>
+#include <cstdio>
+#include <optional>
+
+#include "model/pace.hpp"
+#include "model/rounding.hpp"
+
+namespace mw {
+
+namespace {
+
+struct RunsOut {
+    double seconds;  // from now until the window reaches 100 %
+    std::string text;
+};
+
+// Seconds from `now` until the window's use, continued at its average rate
+// since the window opened, reaches 100 %; absent when that is not before the
+// reset, or there is no rate to speak of.
+std::optional<double> secondsUntilRunOut(const WidgetUsageWindow& window, Date now) {
+    if (!elapsedFraction(window, now)) return std::nullopt;  // needs a duration and a future reset
+    const double used = window.usedPercent;
+    if (!(used > 0 && used < 100)) return std::nullopt;
+    const double untilReset = *window.resetAt - now;
+    const double elapsed = *window.durationSeconds - untilReset;
+    if (!(elapsed > 0)) return std::nullopt;
+    const double rate = used / elapsed;  // percent per second
+    const double untilFull = (100 - used) / rate;
+    if (!(untilFull < untilReset)) return std::nullopt;
+    return untilFull;
+}
+
+}  // namespace
+
+std::vector<WidgetInsight> insights(const std::vector<WidgetAccount>& accounts, Date now) {
+    std::vector<RunsOut> runsOut;
+    std::optional<WidgetInsight> nextReset;
+    double nextResetSeconds = 0;
+    std::optional<WidgetInsight> headroom;
+    double mostRoom = -1;
+
+    for (const auto& account : accounts) {
+        const auto windows = shownWindows(account);
+        if (windows.empty()) continue;
+        const auto provider = providerTitle(account);
+
+        for (const auto& window : windows) {
+            if (const auto seconds = secondsUntilRunOut(window, now)) {
+                runsOut.push_back({*seconds, provider + " " + window.label + " runs out in " + durationText(*seconds)});
+            }
+            if (window.resetAt && *window.resetAt > now) {
+                const double seconds = *window.resetAt - now;
+                if (!nextReset || seconds < nextResetSeconds) {
+                    nextResetSeconds = seconds;
+                    nextReset = WidgetInsight{WidgetInsightKind::nextReset,
+                                              provider + " " + window.label + " resets in " + durationText(seconds)};
+                }
+            }
+        }
+
+        if (const auto weekly = limitWindow(account, WidgetLimitChoice::weekly)) {
+            const double room = roomLeft(*weekly);
+            if (room > mostRoom) {
+                mostRoom = room;
+                char percent[32];
+                std::snprintf(percent, sizeof percent, "%" PRId64, truncateTowardZero(room));
+                headroom = WidgetInsight{WidgetInsightKind::headroom,
+                                         provider + " has " + percent + "% left this week"};
+            }
+        }
+    }
+
+    std::stable_sort(runsOut.begin(), runsOut.end(),
+                     [](const RunsOut& a, const RunsOut& b) { return a.seconds < b.seconds; });
+
+    std::vector<WidgetInsight> result;
+    const auto add = [&result](WidgetInsight insight) {
+        const bool seen = std::any_of(result.begin(), result.end(),
+                                      [&](const WidgetInsight& earlier) { return earlier.text == insight.text; });
+        if (!seen) result.push_back(std::move(insight));
+    };
+    for (auto& line : runsOut) add(WidgetInsight{WidgetInsightKind::runsOut, std::move(line.text)});
+    if (nextReset) add(std::move(*nextReset));
+    if (headroom) add(std::move(*headroom));
+    return result;
+}
+
+}  // namespace mw
