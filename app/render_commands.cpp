@@ -1,0 +1,190 @@
+// render, describe, gallery, demo: the widgets drawn from their timelines.
+
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <memory>
+
+#include "app/cli.hpp"
+#include "bundle/widget_view.hpp"
+#include "payload/codec.hpp"
+#include "payload/sample.hpp"
+#include "platform/atomic_write.hpp"
+#include "render/cairo/painter.hpp"
+#include "render/cairo/text.hpp"
+#include "render/describe.hpp"
+
+namespace mw::cli {
+namespace {
+
+struct DrawArguments {
+    std::string kind;
+    std::string family;
+    CLI::Option* familyOption = nullptr;
+    std::vector<std::string> assignments;
+    int entry = 0;
+    double scale = 2;
+    std::string appearance = "light";
+    std::string output;
+};
+
+void addDrawOptions(CLI::App& command, DrawArguments& args) {
+    command.add_option("KIND", args.kind, "Kind string or kind word")->required();
+    args.familyOption =
+        command.add_option("--family", args.family, "One of the widget's families (default: its first)")
+            ->type_name("FAMILY");
+    addSetOption(command, args.assignments);
+    command.add_option("--entry", args.entry, "Which entry of the timeline to draw (default 0)")
+        ->check(CLI::NonNegativeNumber);
+    command.add_option("--appearance", args.appearance, "light or dark (default light)")
+        ->check(CLI::IsMember({"light", "dark"}));
+}
+
+render::Appearance appearanceFrom(const std::string& text) {
+    render::Appearance appearance = render::Appearance::light;
+    render::parseAppearance(text, appearance);
+    return appearance;
+}
+
+// Entry N of the widget's timeline (the build writes the self-report, as a
+// host's would) and its layout.
+render::DisplayList laidOutEntry(const GlobalOptions& options, const DrawArguments& args) {
+    const auto& widget = widgetNamed(args.kind);
+    const auto family =
+        familyFor(widget, args.familyOption->count() > 0 ? std::optional(args.family) : std::nullopt);
+    const auto parameters = intentParametersFor(widget, args.assignments);
+    const auto timeline = widget.timeline(providerContext(options), parameters);
+    if (static_cast<std::size_t>(args.entry) >= timeline.entries.size())
+        throw UsageError("--entry " + std::to_string(args.entry) + ": the timeline has " +
+                         std::to_string(timeline.entries.size()) + " entries (0 to " +
+                         std::to_string(timeline.entries.size() - 1) + ")");
+    return layoutWidget(timeline.entries[static_cast<std::size_t>(args.entry)], family, render::systemTextMeasurer());
+}
+
+void checkOutputPath(const std::string& path) {
+    const auto extension = std::filesystem::path(path).extension().string();
+    if (extension != ".png" && extension != ".svg" && extension != ".pdf")
+        throw UsageError("--output: \"" + path + "\" must end in .png, .svg or .pdf");
+}
+
+// Writes bytes atomically; a failure is reported like bad input would be.
+void writeOutput(const std::filesystem::path& path, const std::string& bytes) {
+    if (!writeFileAtomically(path, bytes)) throw std::runtime_error("cannot write " + path.string());
+}
+
+struct GalleryItem {
+    std::string file;
+    std::string title;
+};
+
+// Every widget in every family, light and dark, plus the enhanced Focus
+// card; returns the files written, in gallery order.
+std::vector<GalleryItem> drawGallery(const ProviderContext& context, const std::filesystem::path& dir) {
+    std::filesystem::create_directories(dir);
+    struct Variant {
+        std::string suffix;
+        IntentParameters parameters;
+    };
+    std::vector<GalleryItem> items;
+    for (const auto& widget : widgetDeclarations()) {
+        std::vector<Variant> variants{{"", {}}};
+        if (widget.kindWord == "focus") variants.push_back({"-enhanced", {{"style", "enhanced"}}});
+        for (const auto& variant : variants) {
+            const auto timeline = widget.timeline(context, variant.parameters);
+            for (const auto family : widget.families) {
+                const auto list = layoutWidget(timeline.entries.front(), family, render::systemTextMeasurer());
+                for (const auto appearance : {render::Appearance::light, render::Appearance::dark}) {
+                    const std::string file = std::string(widget.kindWord) + variant.suffix + "-" +
+                                             std::string(rawValue(family)) + "-" +
+                                             std::string(render::appearanceName(appearance)) + ".png";
+                    writeOutput(dir / file, render::renderPNG(list, {appearance, 2}));
+                    items.push_back({file, std::string(widget.displayName) + variant.suffix + " · " +
+                                               std::string(rawValue(family)) + " · " +
+                                               std::string(render::appearanceName(appearance))});
+                    std::cout << (dir / file).string() << '\n';
+                }
+            }
+        }
+    }
+    return items;
+}
+
+std::string htmlEscaped(const std::string& text) {
+    std::string out;
+    for (const char c : text) {
+        switch (c) {
+            case '&': out += "&amp;"; break;
+            case '<': out += "&lt;"; break;
+            case '>': out += "&gt;"; break;
+            case '"': out += "&quot;"; break;
+            default: out += c;
+        }
+    }
+    return out;
+}
+
+void writeIndex(const std::filesystem::path& dir, const std::vector<GalleryItem>& items) {
+    std::string html =
+        "<!doctype html>\n<meta charset=\"utf-8\">\n<title>Meterwick widgets</title>\n"
+        "<style>body{font-family:Inter,sans-serif;background:#888;margin:24px}"
+        "figure{display:inline-block;margin:12px;vertical-align:top}"
+        "img{zoom:0.5;border-radius:44px;box-shadow:0 4px 24px rgba(0,0,0,.3)}"
+        "figcaption{font-size:12px;color:#fff;margin-top:6px}</style>\n"
+        "<h1 style=\"color:#fff\">Meterwick widgets</h1>\n";
+    for (const auto& item : items)
+        html += "<figure><img src=\"" + htmlEscaped(item.file) + "\" alt=\"" + htmlEscaped(item.title) +
+                "\"><figcaption>" + htmlEscaped(item.title) + "</figcaption></figure>\n";
+    writeOutput(dir / "index.html", html);
+    std::cout << (dir / "index.html").string() << '\n';
+}
+
+}  // namespace
+
+void registerRenderCommands(CLI::App& app, const GlobalOptions& options) {
+    auto* renderCommand = app.add_subcommand("render", "Draws an entry of a widget's timeline to PNG, SVG or PDF");
+    auto renderArgs = std::make_shared<DrawArguments>();
+    addDrawOptions(*renderCommand, *renderArgs);
+    renderCommand->add_option("--scale", renderArgs->scale, "Pixels per point for PNG (default 2)")
+        ->check(CLI::Range(0.25, 8.0));
+    renderCommand->add_option("--output", renderArgs->output, "The file to write: .png, .svg or .pdf")
+        ->required()
+        ->type_name("FILE");
+    renderCommand->callback([&options, renderArgs] {
+        checkOutputPath(renderArgs->output);
+        const auto list = laidOutEntry(options, *renderArgs);
+        std::string error;
+        if (!render::writeFile(list, renderArgs->output, {appearanceFrom(renderArgs->appearance), renderArgs->scale},
+                               &error))
+            throw std::runtime_error(error);
+    });
+
+    auto* describeCommand = app.add_subcommand("describe", "The laid-out view of an entry as JSON");
+    auto describeArgs = std::make_shared<DrawArguments>();
+    addDrawOptions(*describeCommand, *describeArgs);
+    describeCommand->callback([&options, describeArgs] {
+        const auto list = laidOutEntry(options, *describeArgs);
+        std::cout << render::describe(list, appearanceFrom(describeArgs->appearance)).dump(2) << '\n';
+    });
+
+    auto* gallery = app.add_subcommand("gallery", "Every widget in every family, light and dark, as PNG");
+    auto galleryDir = std::make_shared<std::string>();
+    gallery->add_option("--output", *galleryDir, "The directory to write into")->required()->type_name("DIR");
+    gallery->callback([&options, galleryDir] {
+        writeIndex(*galleryDir, drawGallery(providerContext(options), *galleryDir));
+    });
+
+    auto* demo = app.add_subcommand("demo", "Writes the sample payload into a new container and draws the gallery");
+    auto demoDir = std::make_shared<std::string>("out/demo");
+    demo->add_option("--output", *demoDir, "The directory to write into (default out/demo)")->type_name("DIR");
+    demo->callback([&options, demoDir] {
+        const std::filesystem::path dir = *demoDir;
+        const auto container = dir / "container";
+        std::filesystem::create_directories(container);
+        auto context = providerContext(options);
+        writeOutput(container / kPayloadFileName, encodePayload(samplePayload(context.now)));
+        context.container = container;
+        writeIndex(dir, drawGallery(context, dir));
+    });
+}
+
+}  // namespace mw::cli

@@ -1,0 +1,87 @@
+#pragma once
+// The widget bundle: the five widgets in gallery order, each declared as data
+// (identity, gallery texts, families, intent) with type-erased provider and
+// entry hooks, so callers can work on any kind without knowing its types.
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "config/family.hpp"
+#include "config/intents.hpp"
+#include "timeline/entries.hpp"
+#include "timeline/providers.hpp"
+#include "widgets/chrome/empty_state.hpp"
+
+namespace mw {
+
+using AnyEntry = std::variant<FocusEntry, AccountsEntry, AccountsLimitEntry, SparklineEntry, DashboardEntry>;
+
+struct AnyTimeline {
+    std::vector<AnyEntry> entries;
+    Date reloadAfter;
+    bool operator==(const AnyTimeline&) const = default;
+};
+
+struct WidgetDeclaration {
+    std::string_view widgetType;   // "FocusWidget"
+    std::string_view kind;         // "MeterwickFocus": fixed, the host stores placed widgets under it
+    std::string_view kindWord;     // "focus": how the self-report names the widget
+    std::string_view displayName;  // gallery texts, shown verbatim
+    std::string_view description;
+    std::vector<WidgetFamily> families;          // the first is the default
+    const IntentDescription* intent = nullptr;  // nothing: static configuration, no options
+
+    // Providers. Parameters are the intent's stored form; unknown names and
+    // values are ignored, and entity ids are looked up against a fresh load.
+    AnyEntry (*placeholder)(Date now) = nullptr;
+    AnyEntry (*snapshot)(const ProviderContext& context, const IntentParameters& parameters) = nullptr;
+    AnyTimeline (*timeline)(const ProviderContext& context, const IntentParameters& parameters) = nullptr;
+
+    // Entries. The panel the view shows at the entry's date (nothing: content),
+    // the resolved options as JSON, the tool the widget resolved (the one the
+    // self-report names), and the tap link.
+    std::optional<WidgetEmptyState> (*panel)(const AnyEntry& entry) = nullptr;
+    nlohmann::ordered_json (*resolvedOptions)(const AnyEntry& entry) = nullptr;
+    std::optional<std::string> (*resolvedToolID)(const AnyEntry& entry) = nullptr;
+    std::string (*tapURL)(const AnyEntry& entry) = nullptr;
+
+    // The view that draws an entry is joined in with the drawing layer: a
+    // `view` hook (entry and family to view tree) goes here.
+};
+
+// The bundle's widgets in gallery order: Focus, Accounts, Accounts by Limit,
+// Sparkline, Dashboard.
+const std::vector<WidgetDeclaration>& widgetDeclarations();
+
+// By kind string ("MeterwickFocus") or kind word ("focus"), exactly.
+const WidgetDeclaration* findWidget(std::string_view kindOrWord);
+
+bool supportsFamily(const WidgetDeclaration& widget, WidgetFamily family);
+
+// Entry accessors that work on any kind.
+Date entryDate(const AnyEntry& entry);
+ReadStatus entryReadStatus(const AnyEntry& entry);
+const WidgetPayload& entryPayload(const AnyEntry& entry);
+std::optional<WidgetEmptyState> entryPanel(const AnyEntry& entry);
+nlohmann::ordered_json entryResolvedOptions(const AnyEntry& entry);
+std::optional<std::string> entryResolvedToolID(const AnyEntry& entry);
+std::string entryTapURL(const AnyEntry& entry);
+
+// JSON forms. An entry: date, readStatus, its resolved options,
+// resolvedToolID when there is one, and panel ({title, subtitle, systemImage}
+// or null). A timeline: {"entries": […], "reloadAfter": DATE}. A declaration:
+// identity, gallery texts, families and intent (null when static).
+nlohmann::ordered_json toJSON(const WidgetToolChoice& choice);
+nlohmann::ordered_json toJSON(const WidgetProviderChoice& choice);
+nlohmann::ordered_json toJSON(const WidgetEmptyState& panel);
+nlohmann::ordered_json toJSON(const AnyEntry& entry);
+nlohmann::ordered_json toJSON(const AnyTimeline& timeline);
+nlohmann::ordered_json toJSON(const IntentDescription& intent);
+nlohmann::ordered_json toJSON(const WidgetDeclaration& widget);
+
+}  // namespace mw

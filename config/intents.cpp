@@ -1,0 +1,201 @@
+#include "config/intents.hpp"
+
+#include <set>
+
+namespace mw {
+namespace {
+
+template <class E>
+std::vector<std::string_view> rawValuesOf() {
+    std::vector<std::string_view> out;
+    for (const auto& c : OptionTable<E>::cases) out.push_back(c.raw);
+    return out;
+}
+
+std::string joined(const std::vector<std::string_view>& words) {
+    std::string out;
+    for (const auto& w : words) {
+        if (!out.empty()) out += ", ";
+        out += w;
+    }
+    return out;
+}
+
+std::string inQuotes(std::string_view text) { return "\"" + std::string(text) + "\""; }
+
+// Lenient reads of one stored parameter.
+const std::string* find(const IntentParameters& parameters, const char* name) {
+    const auto it = parameters.find(name);
+    return it == parameters.end() ? nullptr : &it->second;
+}
+
+template <class E>
+std::optional<E> optionParameter(const IntentParameters& parameters, const char* name) {
+    const auto* raw = find(parameters, name);
+    return raw ? fromRaw<E>(*raw) : std::nullopt;
+}
+
+std::optional<WidgetToolChoice> toolParameter(const IntentParameters& parameters, const ChoiceLists& lists) {
+    const auto* id = find(parameters, "tool");
+    if (id == nullptr || id->empty()) return std::nullopt;
+    return toolChoiceForIdentifier(*id, lists.tools);
+}
+
+}  // namespace
+
+std::string_view typeName(IntentParameterType type) {
+    switch (type) {
+        case IntentParameterType::toolChoice: return "WidgetToolChoice";
+        case IntentParameterType::providerChoice: return "WidgetProviderChoice";
+        case IntentParameterType::limit: return "WidgetLimitChoice";
+        case IntentParameterType::percent: return "WidgetPercentChoice";
+        case IntentParameterType::order: return "WidgetOrderChoice";
+        case IntentParameterType::detailStyle: return "WidgetDetailStyle";
+    }
+    return {};
+}
+
+std::string_view typeDisplayName(IntentParameterType type) {
+    switch (type) {
+        case IntentParameterType::toolChoice: return WidgetToolChoice::typeDisplayName;
+        case IntentParameterType::providerChoice: return WidgetProviderChoice::typeDisplayName;
+        case IntentParameterType::limit: return OptionTable<WidgetLimitChoice>::typeDisplayName;
+        case IntentParameterType::percent: return OptionTable<WidgetPercentChoice>::typeDisplayName;
+        case IntentParameterType::order: return OptionTable<WidgetOrderChoice>::typeDisplayName;
+        case IntentParameterType::detailStyle: return OptionTable<WidgetDetailStyle>::typeDisplayName;
+    }
+    return {};
+}
+
+bool isEntity(IntentParameterType type) {
+    return type == IntentParameterType::toolChoice || type == IntentParameterType::providerChoice;
+}
+
+std::vector<std::string_view> acceptedRawValues(IntentParameterType type) {
+    switch (type) {
+        case IntentParameterType::toolChoice:
+        case IntentParameterType::providerChoice: return {};
+        case IntentParameterType::limit: return rawValuesOf<WidgetLimitChoice>();
+        case IntentParameterType::percent: return rawValuesOf<WidgetPercentChoice>();
+        case IntentParameterType::order: return rawValuesOf<WidgetOrderChoice>();
+        case IntentParameterType::detailStyle: return rawValuesOf<WidgetDetailStyle>();
+    }
+    return {};
+}
+
+const IntentDescription& AccountsLimitWidgetIntent::description() {
+    static const IntentDescription d{
+        "AccountsLimitWidgetIntent",
+        "Accounts by Limit",
+        {
+            {"provider", "Provider", IntentParameterType::providerChoice, true, std::nullopt, kAllProvidersID},
+            {"limit", "Limit", IntentParameterType::limit, false, rawValue(WidgetLimitChoice::weekly), {}},
+            {"percent", "Show", IntentParameterType::percent, false, rawValue(WidgetPercentChoice::left), {}},
+            {"order", "Order", IntentParameterType::order, false, rawValue(WidgetOrderChoice::mostRoom), {}},
+        },
+    };
+    return d;
+}
+
+const IntentDescription& FocusWidgetIntent::description() {
+    static const IntentDescription d{
+        "FocusWidgetIntent",
+        "Focus Tool",
+        {
+            {"tool", "Tool", IntentParameterType::toolChoice, true, std::nullopt, kHighestUsageID},
+            {"style", "Style", IntentParameterType::detailStyle, true, std::nullopt,
+             rawValue(WidgetDetailStyle::classic)},
+        },
+    };
+    return d;
+}
+
+const IntentDescription& SparklineWidgetIntent::description() {
+    static const IntentDescription d{
+        "SparklineWidgetIntent",
+        "Sparkline Tool",
+        {{"tool", "Tool", IntentParameterType::toolChoice, true, std::nullopt, kHighestUsageID}},
+    };
+    return d;
+}
+
+const IntentDescription& DashboardWidgetIntent::description() {
+    static const IntentDescription d{
+        "DashboardWidgetIntent",
+        "Dashboard Tool",
+        {{"tool", "Tool", IntentParameterType::toolChoice, true, std::nullopt, kHighestUsageID}},
+    };
+    return d;
+}
+
+ChoiceLists choiceLists(const WidgetPayload& payload) { return {toolChoices(payload), providerChoices(payload)}; }
+
+template <>
+AccountsLimitWidgetIntent intentFromParameters(const IntentParameters& parameters, const ChoiceLists& lists) {
+    AccountsLimitWidgetIntent intent;
+    if (const auto* id = find(parameters, "provider"); id != nullptr && !id->empty())
+        intent.provider = providerChoiceForIdentifier(*id, lists.providers);
+    if (const auto v = optionParameter<WidgetLimitChoice>(parameters, "limit")) intent.limit = *v;
+    if (const auto v = optionParameter<WidgetPercentChoice>(parameters, "percent")) intent.percent = *v;
+    if (const auto v = optionParameter<WidgetOrderChoice>(parameters, "order")) intent.order = *v;
+    return intent;
+}
+
+template <>
+FocusWidgetIntent intentFromParameters(const IntentParameters& parameters, const ChoiceLists& lists) {
+    return {toolParameter(parameters, lists), optionParameter<WidgetDetailStyle>(parameters, "style")};
+}
+
+template <>
+SparklineWidgetIntent intentFromParameters(const IntentParameters& parameters, const ChoiceLists& lists) {
+    return {toolParameter(parameters, lists)};
+}
+
+template <>
+DashboardWidgetIntent intentFromParameters(const IntentParameters& parameters, const ChoiceLists& lists) {
+    return {toolParameter(parameters, lists)};
+}
+
+Parsed<IntentParameters> parseIntentParameters(const IntentDescription& intent,
+                                               const std::vector<std::string>& assignments) {
+    using Result = Parsed<IntentParameters>;
+    IntentParameters out;
+    for (const auto& assignment : assignments) {
+        const auto equals = assignment.find('=');
+        if (equals == std::string::npos || equals == 0)
+            return Result::failure("expected NAME=VALUE, got " + inQuotes(assignment));
+        const std::string name = assignment.substr(0, equals);
+        const std::string value = assignment.substr(equals + 1);
+
+        const IntentParameter* parameter = nullptr;
+        std::vector<std::string_view> names;
+        for (const auto& p : intent.parameters) {
+            names.push_back(p.name);
+            if (p.name == name) parameter = &p;
+        }
+        if (parameter == nullptr)
+            return Result::failure("unknown option " + inQuotes(name) + " for " + std::string(intent.title) +
+                                   "; accepted: " + joined(names));
+        if (out.contains(name)) return Result::failure("option " + inQuotes(name) + " is given more than once");
+
+        if (isEntity(parameter->type)) {
+            if (value.empty())
+                return Result::failure("option " + inQuotes(name) + " needs a " +
+                                       std::string(typeDisplayName(parameter->type)) +
+                                       " identifier, for example " +
+                                       inQuotes(parameter->type == IntentParameterType::toolChoice ? kHighestUsageID
+                                                                                                 : kAllProvidersID));
+        } else {
+            const auto accepted = acceptedRawValues(parameter->type);
+            bool known = false;
+            for (const auto& raw : accepted) known = known || raw == value;
+            if (!known)
+                return Result::failure("unknown value " + inQuotes(value) + " for " + inQuotes(name) +
+                                       "; accepted: " + joined(accepted));
+        }
+        out.emplace(name, value);
+    }
+    return Result::success(std::move(out));
+}
+
+}  // namespace mw

@@ -1,0 +1,128 @@
+#pragma once
+// The configuration intents of the four configurable widgets: as data (title,
+// parameters with titles, types and defaults, for edit sheets and listings)
+// and as typed values the providers read. An intent is only a record of the
+// user's choices; a parameter left unset keeps its documented meaning.
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "config/choices.hpp"
+#include "config/options.hpp"
+
+namespace mw {
+
+enum class IntentParameterType { toolChoice, providerChoice, limit, percent, order, detailStyle };
+
+// "WidgetToolChoice", "WidgetLimitChoice", …
+std::string_view typeName(IntentParameterType type);
+// "Tool", "Provider", "Limit", "Show", "Order", "Style".
+std::string_view typeDisplayName(IntentParameterType type);
+// Whether values are entity identifiers rather than enumeration raw values.
+bool isEntity(IntentParameterType type);
+// The raw values an enumeration parameter takes, in case order; empty for entities.
+std::vector<std::string_view> acceptedRawValues(IntentParameterType type);
+
+struct IntentParameter {
+    std::string_view name;   // the stored parameter name: "tool", "style", …
+    std::string_view title;  // shown in the edit sheet
+    IntentParameterType type;
+    bool optional = false;                      // may be left unset
+    std::optional<std::string_view> defaultValue;  // raw value on creation; nothing: unset
+    std::string_view unsetMeans;                // what an unset value is taken as; empty if never unset
+    bool operator==(const IntentParameter&) const = default;
+};
+
+struct IntentDescription {
+    std::string_view typeName;  // persistent identity: "FocusWidgetIntent"
+    std::string_view title;
+    std::vector<IntentParameter> parameters;  // in edit-sheet order
+    bool operator==(const IntentDescription&) const = default;
+};
+
+struct AccountsLimitWidgetIntent {
+    std::optional<WidgetProviderChoice> provider;  // unset: all providers
+    WidgetLimitChoice limit = WidgetLimitChoice::weekly;
+    WidgetPercentChoice percent = WidgetPercentChoice::left;
+    WidgetOrderChoice order = WidgetOrderChoice::mostRoom;
+
+    static const IntentDescription& description();
+    bool operator==(const AccountsLimitWidgetIntent&) const = default;
+};
+
+struct FocusWidgetIntent {
+    std::optional<WidgetToolChoice> tool;    // unset: "Highest Usage"
+    std::optional<WidgetDetailStyle> style;  // unset: classic
+
+    static const IntentDescription& description();
+    bool operator==(const FocusWidgetIntent&) const = default;
+};
+
+struct SparklineWidgetIntent {
+    std::optional<WidgetToolChoice> tool;  // unset: "Highest Usage"
+
+    static const IntentDescription& description();
+    bool operator==(const SparklineWidgetIntent&) const = default;
+};
+
+struct DashboardWidgetIntent {
+    std::optional<WidgetToolChoice> tool;  // unset: "Highest Usage"
+
+    static const IntentDescription& description();
+    bool operator==(const DashboardWidgetIntent&) const = default;
+};
+
+// An intent's stored form: parameter name to raw value or entity identifier.
+// Parameters that are not there are unset.
+using IntentParameters = std::map<std::string, std::string>;
+
+// The current choice lists, from which stored entity identifiers are answered
+// (an identifier no longer listed still gets a choice; see choices.hpp).
+struct ChoiceLists {
+    std::vector<WidgetToolChoice> tools;
+    std::vector<WidgetProviderChoice> providers;
+    bool operator==(const ChoiceLists&) const = default;
+};
+ChoiceLists choiceLists(const WidgetPayload& payload);
+
+// Typed intents from stored parameters. Lenient, as a host's store may hold
+// values an older build wrote: unknown names and raw values are left unset.
+template <class Intent>
+Intent intentFromParameters(const IntentParameters& parameters, const ChoiceLists& lists);
+template <>
+AccountsLimitWidgetIntent intentFromParameters(const IntentParameters& parameters, const ChoiceLists& lists);
+template <>
+FocusWidgetIntent intentFromParameters(const IntentParameters& parameters, const ChoiceLists& lists);
+template <>
+SparklineWidgetIntent intentFromParameters(const IntentParameters& parameters, const ChoiceLists& lists);
+template <>
+DashboardWidgetIntent intentFromParameters(const IntentParameters& parameters, const ChoiceLists& lists);
+
+// A value or a message saying what went wrong and what is accepted.
+template <class T>
+struct Parsed {
+    std::optional<T> value;
+    std::string error;
+
+    static Parsed success(T v) { return {std::move(v), {}}; }
+    static Parsed failure(std::string message) { return {std::nullopt, std::move(message)}; }
+    explicit operator bool() const { return value.has_value(); }
+};
+
+// Strictly parses "NAME=VALUE" assignments against an intent: every name must
+// be one of its parameters (given once), every enumeration value one of its
+// raw values, every entity identifier non-empty.
+Parsed<IntentParameters> parseIntentParameters(const IntentDescription& intent,
+                                               const std::vector<std::string>& assignments);
+
+template <class Intent>
+Parsed<Intent> parseIntent(const std::vector<std::string>& assignments, const ChoiceLists& lists) {
+    auto parameters = parseIntentParameters(Intent::description(), assignments);
+    if (!parameters) return Parsed<Intent>::failure(std::move(parameters.error));
+    return Parsed<Intent>::success(intentFromParameters<Intent>(*parameters.value, lists));
+}
+
+}  // namespace mw

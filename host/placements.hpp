@@ -1,0 +1,116 @@
+#pragma once
+// The widgets placed on the desktop: what the host shows and the
+// `place`/`list`/`edit`/`remove` commands manage. One JSON file,
+// $XDG_CONFIG_HOME/meterwick/widgets.json, rewritten atomically. A file that
+// cannot be read or parsed is never overwritten: it is moved aside and
+// reported, and the store starts afresh.
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "bundle/bundle.hpp"
+#include "config/family.hpp"
+#include "config/intents.hpp"
+#include "platform/date.hpp"
+
+namespace mw {
+
+inline constexpr const char* kPlacementsFileName = "widgets.json";
+inline constexpr int kPlacementsFormatVersion = 1;
+
+// Top-left corner on the desktop, in points.
+struct WidgetPosition {
+    int x = 0;
+    int y = 0;
+    bool operator==(const WidgetPosition&) const = default;
+};
+
+// One placed widget. Kind and family are kept as written so that an entry
+// this build does not know (a newer widget, a family dropped later) survives
+// a rewrite of the file; `resolvePlacement` says whether it can be shown.
+struct PlacedWidget {
+    std::string id;      // "focus-1": unique within the store
+    std::string kind;    // kind string, "MeterwickFocus"
+    std::string family;  // raw family, "systemSmall"
+    IntentParameters parameters;  // raw values and entity ids by parameter name
+    WidgetPosition position;
+    bool operator==(const PlacedWidget&) const = default;
+};
+
+// Where the store lives, from the environment passed in.
+struct ConfigEnvironment {
+    std::optional<std::string> configHome;  // XDG_CONFIG_HOME
+    std::optional<std::string> home;        // HOME
+
+    static ConfigEnvironment fromProcess();
+    bool operator==(const ConfigEnvironment&) const = default;
+};
+
+// $XDG_CONFIG_HOME/meterwick/widgets.json, else $HOME/.config/…; nothing
+// when neither variable is set.
+std::optional<std::filesystem::path> placementsFile(const ConfigEnvironment& env);
+std::optional<std::filesystem::path> placementsFile();
+
+// The file's JSON: {"version":1,"widgets":[{id, kind, family, parameters,
+// position:{x,y}}…]}.
+nlohmann::ordered_json toJSON(const PlacedWidget& widget);
+std::string encodePlacements(const std::vector<PlacedWidget>& widgets);
+// Strict: any structural fault (wrong types, a missing id, kind or family,
+// duplicate ids, a newer format) fails the whole document with a message.
+// `parameters` and `position` may be left out.
+Parsed<std::vector<PlacedWidget>> decodePlacements(std::string_view json);
+
+enum class PlacementsStatus { ok, missing, unreadable, corrupt };
+std::string_view rawValue(PlacementsStatus status);
+
+struct PlacementsLoad {
+    std::vector<PlacedWidget> widgets;
+    PlacementsStatus status = PlacementsStatus::ok;
+    std::string problem;                         // why the file could not be used
+    std::optional<std::filesystem::path> keptAs;  // where the unusable file now is
+    bool operator==(const PlacementsLoad&) const = default;
+
+    // Whether saving may replace the file: it was fine, absent, or the bad
+    // one has been moved out of the way.
+    bool writable() const { return status == PlacementsStatus::ok || status == PlacementsStatus::missing || keptAs; }
+};
+
+// Reads the store. An unreadable or unparsable file is renamed to
+// "widgets.json.corrupt-YYYYMMDDTHHMMSSZ" (a number appended when taken) and
+// the load comes back empty with the problem described.
+PlacementsLoad loadPlacements(const std::filesystem::path& file, Date now);
+
+// One line for a person: what was wrong with the file and where it went.
+// Empty when there was nothing to report.
+std::string problemReport(const std::filesystem::path& file, const PlacementsLoad& load);
+
+// Creates the directory when needed and writes atomically.
+bool savePlacements(const std::filesystem::path& file, const std::vector<PlacedWidget>& widgets);
+
+// The widget and family a placement names in this build, or why it cannot
+// be shown.
+struct ResolvedPlacement {
+    const WidgetDeclaration* widget = nullptr;
+    WidgetFamily family = WidgetFamily::systemSmall;
+    bool operator==(const ResolvedPlacement&) const = default;
+};
+Parsed<ResolvedPlacement> resolvePlacement(const PlacedWidget& placed);
+
+// Editing helpers.
+const PlacedWidget* findPlacement(const std::vector<PlacedWidget>& widgets, std::string_view id);
+// "<kind word>-<n>" with n one more than the largest already used for that word.
+std::string nextPlacementID(const std::vector<PlacedWidget>& widgets, const WidgetDeclaration& widget);
+// A free spot for a new widget: cascaded down and right from the others.
+WidgetPosition defaultPosition(const std::vector<PlacedWidget>& widgets);
+// "X,Y" with integers (negative allowed).
+Parsed<WidgetPosition> parsePosition(std::string_view text);
+// The intent's parameters that have a default, at their default; empty for
+// a static widget.
+IntentParameters defaultParameters(const WidgetDeclaration& widget);
+
+}  // namespace mw

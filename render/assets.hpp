@@ -1,0 +1,24 @@
+#pragma once
+// Where the drawing layer finds its files, and the symbol-name table.
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace mw::render {
+
+// The asset directory: $MW_ASSET_DIR when set and non-empty, else the source
+// tree's assets/ compiled in, else <directory of the executable>/../share/meterwick-widgets/assets.
+// The first that exists is taken; the last candidate is returned when none does.
+std::string assetDirectory();
+
+// The full path of asset `name` ("AppIcon", "AppIcon.svg", "provider-claude");
+// without an extension ".svg" then ".png" are tried. Nothing when absent.
+std::optional<std::string> assetPath(std::string_view name);
+inline bool assetExists(std::string_view name) { return assetPath(name).has_value(); }
+
+// The icon file (relative to the asset directory, e.g. "symbols/link.svg")
+// drawn for an SF Symbol name; nothing for an unmapped name.
+std::optional<std::string_view> symbolFile(std::string_view symbolName);
+
+}  // namespace mw::render

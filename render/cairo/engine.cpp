@@ -1,0 +1,32 @@
+#include "render/cairo/engine.hpp"
+
+namespace mw::render {
+
+TextEngine::TextEngine() : fontMap_(pango_cairo_font_map_new()) {
+    pango_cairo_font_map_set_resolution(PANGO_CAIRO_FONT_MAP(fontMap_), 72.0);
+}
+
+void TextEngine::configure(PangoContext* context) {
+    cairo_font_options_t* options = cairo_font_options_create();
+    cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_NONE);
+    cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_OFF);
+    cairo_font_options_set_antialias(options, CAIRO_ANTIALIAS_GRAY);
+    pango_cairo_context_set_font_options(context, options);
+    cairo_font_options_destroy(options);
+    pango_cairo_context_set_resolution(context, 72.0);
+    pango_context_set_round_glyph_positions(context, FALSE);
+}
+
+PangoContext* TextEngine::newContext() const {
+    PangoContext* context = pango_font_map_create_context(fontMap_);
+    configure(context);
+    return context;
+}
+
+TextEngine& textEngine() {
+    // The font map is never released: Pango keeps its own process-wide state anyway.
+    static TextEngine engine;
+    return engine;
+}
+
+}  // namespace mw::render

@@ -1,0 +1,208 @@
+#include "render/cairo/images.hpp"
+
+#include <librsvg/rsvg.h>
+
+#include <cmath>
+#include <numbers>
+#include <fstream>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <sstream>
+#include <string>
+
+#include "render/assets.hpp"
+
+namespace mw::render {
+
+namespace {
+
+constexpr double kPi = std::numbers::pi;
+
+// Stroke width of the 24-unit icon grid per font weight (the icons are drawn at 2).
+double symbolStrokeWidth(Weight w) {
+    switch (w) {
+        case Weight::regular: return 1.85;
+        case Weight::medium: return 2.05;
+        case Weight::semibold: return 2.25;
+        case Weight::bold: return 2.5;
+    }
+    return 2;
+}
+
+struct HandleDeleter {
+    void operator()(RsvgHandle* h) const { g_object_unref(h); }
+};
+struct SurfaceRelease {
+    void operator()(cairo_surface_t* s) const { cairo_surface_destroy(s); }
+};
+
+struct Loaded {
+    std::unique_ptr<RsvgHandle, HandleDeleter> svg;
+    std::unique_ptr<cairo_surface_t, SurfaceRelease> png;
+    double width = 0;   // intrinsic size, for the aspect ratio
+    double height = 0;
+};
+
+// Parsed images for the life of the process, keyed by path and stroke width.
+// A file that failed to load is remembered as empty so that it is not retried.
+class ImageCache {
+public:
+    const Loaded& get(const std::string& path, double strokeWidth) {
+        std::lock_guard lock(mutex_);
+        const std::string key = path + "|" + std::to_string(strokeWidth);
+        auto it = cache_.find(key);
+        if (it != cache_.end()) return it->second;
+        return cache_.emplace(key, load(path, strokeWidth)).first->second;
+    }
+
+private:
+    static Loaded load(const std::string& path, double strokeWidth) {
+        Loaded out;
+        if (path.size() > 4 && path.ends_with(".png")) {
+            cairo_surface_t* s = cairo_image_surface_create_from_png(path.c_str());
+            if (cairo_surface_status(s) != CAIRO_STATUS_SUCCESS) {
+                cairo_surface_destroy(s);
+                return out;
+            }
+            out.width = cairo_image_surface_get_width(s);
+            out.height = cairo_image_surface_get_height(s);
+            out.png.reset(s);
+            return out;
+        }
+        std::ifstream in(path, std::ios::binary);
+        if (!in) return out;
+        std::stringstream buffer;
+        buffer << in.rdbuf();
+        std::string data = buffer.str();
+        if (strokeWidth > 0) {
+            const std::string from = "stroke-width=\"2\"";
+            if (auto pos = data.find(from); pos != std::string::npos) {
+                char repl[40];
+                std::snprintf(repl, sizeof repl, "stroke-width=\"%.2f\"", strokeWidth);
+                data.replace(pos, from.size(), repl);
+            }
+        }
+        GError* error = nullptr;
+        RsvgHandle* handle = rsvg_handle_new_from_data(reinterpret_cast<const guint8*>(data.data()), data.size(), &error);
+        if (!handle) {
+            if (error) g_error_free(error);
+            return out;
+        }
+        rsvg_handle_set_dpi(handle, 72);
+        out.svg.reset(handle);
+        gdouble w = 0, h = 0;
+        if (!rsvg_handle_get_intrinsic_size_in_pixels(handle, &w, &h) || w <= 0 || h <= 0) {
+            RsvgRectangle ink{}, logical{};
+            if (rsvg_handle_get_geometry_for_element(handle, nullptr, &ink, &logical, nullptr)) {
+                w = logical.width;
+                h = logical.height;
+            }
+        }
+        out.width = w > 0 ? w : 24;
+        out.height = h > 0 ? h : 24;
+        return out;
+    }
+
+    std::mutex mutex_;
+    std::map<std::string, Loaded> cache_;
+};
+
+ImageCache& imageCache() {
+    static ImageCache cache;
+    return cache;
+}
+
+void setColor(cairo_t* cr, RGBA c) { cairo_set_source_rgba(cr, c.r, c.g, c.b, c.a); }
+
+// A neutral mark for a missing image: a rounded square outline with a dot.
+void drawPlaceholder(cairo_t* cr, const Rect& frame, RGBA color) {
+    const double side = std::min(frame.width, frame.height);
+    if (side <= 0) return;
+    const double inset = side * 0.2;
+    const double s = side - 2 * inset;
+    const double x = frame.midX() - s / 2, y = frame.midY() - s / 2;
+    const double r = s * 0.22;
+    cairo_new_sub_path(cr);
+    cairo_arc(cr, x + s - r, y + r, r, -kPi / 2, 0);
+    cairo_arc(cr, x + s - r, y + s - r, r, 0, kPi / 2);
+    cairo_arc(cr, x + r, y + s - r, r, kPi / 2, kPi);
+    cairo_arc(cr, x + r, y + r, r, kPi, 3 * kPi / 2);
+    cairo_close_path(cr);
+    color.a *= 0.5;
+    setColor(cr, color);
+    cairo_set_line_width(cr, std::max(0.5, side * 0.07));
+    cairo_stroke(cr);
+    cairo_arc(cr, frame.midX(), frame.midY(), s * 0.12, 0, 2 * kPi);
+    cairo_fill(cr);
+}
+
+Rect placed(const Rect& frame, double w, double h, ContentMode mode) {
+    if (mode == ContentMode::stretch || w <= 0 || h <= 0) return frame;
+    const double sx = frame.width / w, sy = frame.height / h;
+    const double s = mode == ContentMode::fit ? std::min(sx, sy) : std::max(sx, sy);
+    return {frame.midX() - w * s / 2, frame.midY() - h * s / 2, w * s, h * s};
+}
+
+void drawLoaded(cairo_t* cr, const Loaded& img, const Rect& target) {
+    cairo_save(cr);
+    cairo_translate(cr, target.x, target.y);
+    cairo_scale(cr, target.width / img.width, target.height / img.height);
+    if (img.svg) {
+        const RsvgRectangle viewport{0, 0, img.width, img.height};
+        rsvg_handle_render_document(img.svg.get(), cr, &viewport, nullptr);
+    } else if (img.png) {
+        cairo_set_source_surface(cr, img.png.get(), 0, 0);
+        cairo_pattern_set_filter(cairo_get_source(cr), CAIRO_FILTER_GOOD);
+        cairo_paint(cr);
+    }
+    cairo_restore(cr);
+}
+
+}  // namespace
+
+void drawImage(cairo_t* cr, const ImageDraw& image, const Rect& frame, Appearance appearance) {
+    if (frame.width <= 0 || frame.height <= 0) return;
+    std::optional<std::string> path;
+    double strokeWidth = 0;
+    if (image.source == ImageDraw::Source::symbol) {
+        if (auto file = symbolFile(image.name)) {
+            path = assetDirectory() + "/" + std::string(*file);
+            strokeWidth = symbolStrokeWidth(image.weight);
+        }
+    } else {
+        path = assetPath(image.name);
+    }
+    const RGBA tint = image.tint ? image.tint->resolve(appearance) : Color::gray(0.5).withOpacity(image.opacity).resolve(appearance);
+    const Loaded* loaded = path ? &imageCache().get(*path, strokeWidth) : nullptr;
+    if (!loaded || (!loaded->svg && !loaded->png)) {
+        drawPlaceholder(cr, frame, tint);
+        return;
+    }
+    const Rect target = placed(frame, loaded->width, loaded->height, image.mode);
+    cairo_save(cr);
+    // Clipping to the frame also keeps the groups below as small as the image.
+    // Icons' strokes may reach a little past their box, so fit mode keeps a margin.
+    const double margin = image.mode == ContentMode::fill ? 0 : std::min(frame.width, frame.height) * 0.1;
+    cairo_rectangle(cr, frame.x - margin, frame.y - margin, frame.width + 2 * margin, frame.height + 2 * margin);
+    cairo_clip(cr);
+    if (image.tint) {
+        // A single-colour mask: the image's coverage painted in the tint.
+        cairo_push_group(cr);
+        drawLoaded(cr, *loaded, target);
+        cairo_pattern_t* mask = cairo_pop_group(cr);
+        setColor(cr, tint);
+        cairo_mask(cr, mask);
+        cairo_pattern_destroy(mask);
+    } else if (image.opacity < 1) {
+        cairo_push_group(cr);
+        drawLoaded(cr, *loaded, target);
+        cairo_pop_group_to_source(cr);
+        cairo_paint_with_alpha(cr, image.opacity);
+    } else {
+        drawLoaded(cr, *loaded, target);
+    }
+    cairo_restore(cr);
+}
+
+}  // namespace mw::render

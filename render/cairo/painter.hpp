@@ -1,0 +1,46 @@
+#pragma once
+// Paints display lists with Cairo: into any cairo context (a window, an image,
+// an SVG or PDF surface), and to PNG, SVG and PDF files or memory.
+// The only place besides the text measurer that touches Cairo and librsvg.
+
+#include <cairo.h>
+
+#include <memory>
+#include <string>
+
+#include "render/color.hpp"
+#include "render/display_list.hpp"
+
+namespace mw::render {
+
+struct PaintOptions {
+    Appearance appearance = Appearance::light;
+    double scale = 2;  // device pixels per point (PNG only; SVG and PDF are in points)
+};
+
+// Draws `list` into `cr` in points: the caller sets any scale or offset on
+// `cr` first. The context's state is restored afterwards.
+void paint(cairo_t* cr, const DisplayList& list, Appearance appearance);
+
+struct SurfaceDeleter {
+    void operator()(cairo_surface_t* s) const { cairo_surface_destroy(s); }
+};
+using SurfacePtr = std::unique_ptr<cairo_surface_t, SurfaceDeleter>;
+
+// An ARGB32 image of size × scale pixels (rounded up), transparent where nothing is drawn.
+SurfacePtr paintToImage(const DisplayList& list, const PaintOptions& options = {});
+
+// PNG bytes of an image surface. Fast zlib settings: these images are small
+// and are written often.
+std::string encodePNG(cairo_surface_t* image);
+
+// Whole documents as bytes.
+std::string renderPNG(const DisplayList& list, const PaintOptions& options = {});
+std::string renderSVG(const DisplayList& list, Appearance appearance = Appearance::light);
+std::string renderPDF(const DisplayList& list, Appearance appearance = Appearance::light);
+
+// Writes by the file's extension (.png, .svg, .pdf). False with a message in
+// `error` for an unknown extension or a failed write.
+bool writeFile(const DisplayList& list, const std::string& path, const PaintOptions& options, std::string* error = nullptr);
+
+}  // namespace mw::render

@@ -1,0 +1,137 @@
+#include "bundle/bundle.hpp"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "payload/self_report.hpp"
+#include "timeline/test_payloads.hpp"
+
+namespace mw {
+namespace {
+
+using testing::kNow;
+using testing::payloadOf;
+using testing::TempDir;
+using testing::tool;
+using F = WidgetFamily;
+
+TEST(WidgetBundle, FiveWidgetsInGalleryOrderExactlyAsDeclared) {
+    struct Expected {
+        std::string_view type, kind, word, name;
+        std::vector<WidgetFamily> families;
+        const char* intentTitle;  // nothing: static configuration
+    };
+    const Expected expected[] = {
+        {"FocusWidget", "MeterwickFocus", "focus", "Tool Focus", {F::systemSmall}, "Focus Tool"},
+        {"AccountsWidget", "MeterwickAccounts", "accounts", "All Accounts",
+         {F::systemMedium, F::systemLarge, F::systemExtraLarge}, nullptr},
+        {"AccountsLimitWidget", "MeterwickAccountsByLimit", "accounts-limit", "Accounts by Limit",
+         {F::systemMedium, F::systemLarge, F::systemExtraLarge}, "Accounts by Limit"},
+        {"SparklineWidget", "MeterwickSparkline", "sparkline", "Pace Sparkline", {F::systemMedium}, "Sparkline Tool"},
+        {"DashboardWidget", "MeterwickDashboard", "dashboard", "Full Dashboard", {F::systemLarge, F::systemExtraLarge},
+         "Dashboard Tool"},
+    };
+    const auto& widgets = widgetDeclarations();
+    ASSERT_EQ(widgets.size(), 5u);
+    for (std::size_t i = 0; i < 5; ++i) {
+        const auto& w = widgets[i];
+        const auto& e = expected[i];
+        EXPECT_EQ(w.widgetType, e.type);
+        EXPECT_EQ(w.kind, e.kind);
+        EXPECT_EQ(w.kindWord, e.word);
+        EXPECT_EQ(w.displayName, e.name);
+        EXPECT_EQ(w.families, e.families) << w.kind;
+        if (e.intentTitle == nullptr) {
+            EXPECT_EQ(w.intent, nullptr);
+        } else {
+            ASSERT_NE(w.intent, nullptr);
+            EXPECT_EQ(w.intent->title, e.intentTitle);
+        }
+        EXPECT_TRUE(w.placeholder && w.snapshot && w.timeline && w.panel && w.resolvedOptions && w.resolvedToolID &&
+                    w.tapURL);
+        EXPECT_EQ(findWidget(w.kind), &w);
+        EXPECT_EQ(findWidget(w.kindWord), &w);
+    }
+    EXPECT_EQ(widgets[0].description,
+              "Big ring gauge for one tool. Pick which, and choose Enhanced in Edit Widget for session, weekly and "
+              "pacing.");
+    EXPECT_EQ(widgets[2].description,
+              "Weekly or 5-hour room left on every account, most room first. Pick a provider in Edit Widget.");
+    EXPECT_EQ(findWidget("meterwickfocus"), nullptr);
+    EXPECT_EQ(findWidget("Focus"), nullptr);
+}
+
+TEST(WidgetBundle, HooksTurnStoredParametersIntoEntries) {
+    TempDir dir;
+    testing::writePayload(dir, payloadOf({tool("claude", 10, "work"), tool("codex", 80)}, kNow - 300));
+    const ProviderContext context{dir.path(), kNow, {"1.0", "/x"}};
+
+    const auto& focus = *findWidget("focus");
+    const auto entry = focus.snapshot(context, {{"tool", "claude:work"}, {"style", "enhanced"}});
+    const auto& typed = std::get<FocusEntry>(entry);
+    EXPECT_EQ(typed.chosen.label, "Claude \u00B7 work");  // looked up in the current list
+    EXPECT_EQ(typed.style, WidgetDetailStyle::enhanced);
+    EXPECT_EQ(focus.resolvedToolID(entry), "claude:work");
+    EXPECT_EQ(focus.tapURL(entry), "meterwick://tool/claude:work");
+    EXPECT_FALSE(std::filesystem::exists(dir / kSelfReportFileName));
+
+    const auto& limit = *findWidget("MeterwickAccountsByLimit");
+    const auto timeline = limit.timeline(context, {{"provider", "codex"}, {"limit", "fiveHour"}});
+    ASSERT_EQ(timeline.entries.size(), 3u);  // now, +15 min, the stale moment at +25 min
+    EXPECT_EQ(entryDate(timeline.entries[2]), kNow + 1500);
+    EXPECT_EQ(std::get<AccountsLimitEntry>(timeline.entries[0]).limit, WidgetLimitChoice::fiveHour);
+    EXPECT_EQ(timeline.reloadAfter, kNow + 600);
+    const auto report = nlohmann::json::parse(testing::readFile(dir / kSelfReportFileName));
+    EXPECT_EQ(report["kind"], "accounts-limit");
+    EXPECT_EQ(report["resolvedToolID"], "codex");
+
+    const auto& accounts = *findWidget("accounts");
+    EXPECT_EQ(accounts.tapURL(accounts.placeholder(kNow)), "meterwick://open");
+    EXPECT_EQ(std::get<AccountsEntry>(accounts.snapshot(context, {})).readStatus, ReadStatus::ok);
+}
+
+TEST(EntryJSON, CarriesDateStatusOptionsToolAndPanel) {
+    auto payload = payloadOf({tool("codex", 80)}, kNow - 1800);
+    const AnyEntry stale = FocusEntry{kNow, payload, highestUsageChoice(), ReadStatus::ok, WidgetDetailStyle::classic};
+    const auto j = toJSON(stale);
+    EXPECT_EQ(j["date"], "2025-01-31T14:05:00Z");
+    EXPECT_EQ(j["readStatus"], "ok");
+    EXPECT_EQ(j["tool"]["id"], "highest");
+    EXPECT_EQ(j["tool"]["compactLabel"], "Highest");
+    EXPECT_EQ(j["style"], "classic");
+    EXPECT_EQ(j["resolvedToolID"], "codex");
+    EXPECT_EQ(j["panel"]["title"], "Open Meterwick");
+    EXPECT_EQ(j["panel"]["systemImage"], "arrow.clockwise.circle");
+
+    const AnyEntry accounts = AccountsEntry{kNow, payloadOf({tool("codex")}), ReadStatus::ok};
+    const auto a = toJSON(accounts);
+    EXPECT_TRUE(a["panel"].is_null());
+    EXPECT_FALSE(a.contains("resolvedToolID"));
+    EXPECT_EQ(a.size(), 3u);  // date, readStatus, panel
+
+    const auto limit = toJSON(findWidget("accounts-limit")->placeholder(kNow));
+    EXPECT_EQ(limit["provider"]["id"], "all");
+    EXPECT_EQ(limit["limit"], "weekly");
+    EXPECT_EQ(limit["percent"], "left");
+    EXPECT_EQ(limit["order"], "mostRoom");
+
+    const auto timeline = toJSON(AnyTimeline{{accounts}, kNow + 120});
+    EXPECT_EQ(timeline["reloadAfter"], "2025-01-31T14:07:00Z");
+    EXPECT_EQ(timeline["entries"].size(), 1u);
+}
+
+TEST(DeclarationJSON, ListsIntentParameters) {
+    const auto j = toJSON(widgetDeclarations()[2]);
+    EXPECT_EQ(j["kind"], "MeterwickAccountsByLimit");
+    EXPECT_EQ(j["families"], nlohmann::ordered_json({"systemMedium", "systemLarge", "systemExtraLarge"}));
+    const auto& parameters = j["intent"]["parameters"];
+    ASSERT_EQ(parameters.size(), 4u);
+    EXPECT_EQ(parameters[0]["type"], "WidgetProviderChoice");
+    EXPECT_TRUE(parameters[0]["default"].is_null());
+    EXPECT_EQ(parameters[1]["default"], "weekly");
+    EXPECT_EQ(parameters[1]["values"], nlohmann::ordered_json({"weekly", "fiveHour"}));
+    EXPECT_TRUE(toJSON(widgetDeclarations()[1])["intent"].is_null());
+}
+
+}  // namespace
+}  // namespace mw

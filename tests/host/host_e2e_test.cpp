@@ -1,0 +1,274 @@
+// The desktop host end to end, on a virtual X server with a private session
+// bus: placed widgets appear drawn exactly as `meterwick-widgets render` draws
+// them, follow the payload and the placed-widgets file, reload over D-Bus,
+// open links on click, and a corrupt widgets.json is kept aside.
+//
+// The test re-runs itself inside `xvfb-run … dbus-run-session` and is
+// skipped where those are not installed. Every wait has a deadline, and the
+// whole run is bounded by `timeout`.
+
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <fstream>
+#include <functional>
+#include <thread>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "payload/codec.hpp"
+#include "payload/sample.hpp"
+#include "payload/store.hpp"
+#include "platform/atomic_write.hpp"
+#include "platform/clock.hpp"
+#include "support/temp_dir.hpp"
+
+extern char** environ;
+
+namespace mw {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::readFile;
+using testing::TempDir;
+
+constexpr const char* kInsideVariable = "MW_HOST_E2E_SESSION";
+
+struct Run {
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+Run run(const std::string& command) {
+    const TempDir io;
+    const std::string line = command + " >'" + (io / "out").string() + "' 2>'" + (io / "err").string() + "'";
+    const int raw = std::system(line.c_str());
+    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, readFile(io / "out"), readFile(io / "err")};
+}
+
+Run cli(const std::string& arguments) { return run("'" MW_CLI_PATH "' " + arguments); }
+
+bool onPath(const char* program) { return run(std::string("command -v ") + program).status == 0; }
+
+// Polls until `done` or the deadline; true when done.
+bool waitFor(const std::function<bool()>& done, std::chrono::milliseconds deadline = 20s) {
+    const auto until = std::chrono::steady_clock::now() + deadline;
+    while (std::chrono::steady_clock::now() < until) {
+        if (done()) return true;
+        std::this_thread::sleep_for(50ms);
+    }
+    return done();
+}
+
+nlohmann::json readJSON(const std::filesystem::path& path) {
+    return nlohmann::json::parse(readFile(path), nullptr, false);
+}
+
+// The host's note of what a window shows: present and complete.
+std::optional<nlohmann::json> shown(const std::filesystem::path& snapshots, const std::string& id) {
+    auto json = readJSON(snapshots / (id + ".json"));
+    if (json.is_discarded() || !json.is_object()) return std::nullopt;
+    return json;
+}
+
+// `meterwick-widgets render` of what the window says it shows, at its date,
+// scale and appearance; the PNG bytes.
+std::string renderedLikeTheWindow(const nlohmann::json& info, const std::filesystem::path& output) {
+    std::string arguments = "--now " + info["date"].get<std::string>() + " render " +
+                            info["kind"].get<std::string>() + " --family " + info["family"].get<std::string>();
+    for (const auto& [name, value] : info["parameters"].items())
+        arguments += " --set '" + name + "=" + value.get<std::string>() + "'";
+    arguments += " --scale " + std::to_string(info["scale"].get<int>()) + " --appearance " +
+                 info["appearance"].get<std::string>() + " --output '" + output.string() + "'";
+    const auto result = cli(arguments);
+    EXPECT_EQ(result.status, 0) << arguments << "\n" << result.err;
+    return readFile(output);
+}
+
+// The URL a click at `point` (points) should open, from `describe`: the last
+// link region under it, else the widget's URL.
+std::string expectedURL(const nlohmann::json& info, double x, double y) {
+    std::string arguments = "--now " + info["date"].get<std::string>() + " describe " +
+                            info["kind"].get<std::string>() + " --family " + info["family"].get<std::string>();
+    for (const auto& [name, value] : info["parameters"].items())
+        arguments += " --set '" + name + "=" + value.get<std::string>() + "'";
+    const auto described = nlohmann::json::parse(cli(arguments).out, nullptr, false);
+    if (described.is_discarded()) return "(describe failed)";
+    std::string url = described.value("url", "");
+    for (const auto& node : described["nodes"]) {
+        if (!node.contains("url") || node["kind"] != "link") continue;
+        const auto& f = node["frame"];
+        if (x >= f[0].get<double>() && y >= f[1].get<double>() && x < f[0].get<double>() + f[2].get<double>() &&
+            y < f[1].get<double>() + f[3].get<double>())
+            url = node["url"];
+    }
+    return url;
+}
+
+void writePayload(const std::filesystem::path& container, const WidgetPayload& payload) {
+    ASSERT_TRUE(writeFileAtomically(container / kPayloadFileName, encodePayload(payload)));
+}
+
+class Host {
+public:
+    Host(const std::filesystem::path& log) {
+        const std::string command =
+            "exec env ASAN_OPTIONS=detect_leaks=0 '" MW_HOST_PATH "' >'" + log.string() + "' 2>&1";
+        const char* argv[] = {"sh", "-c", command.c_str(), nullptr};
+        if (::posix_spawn(&pid_, "/bin/sh", nullptr, nullptr, const_cast<char**>(argv), environ) != 0) pid_ = -1;
+    }
+    ~Host() { stop(); }
+    Host(const Host&) = delete;
+    Host& operator=(const Host&) = delete;
+
+    bool started() const { return pid_ > 0; }
+    // SIGTERM, then the exit status (or -1 when it had to be killed).
+    int stop() {
+        if (pid_ <= 0) return status_;
+        ::kill(pid_, SIGTERM);
+        int raw = 0;
+        const bool exited = waitFor([&] { return ::waitpid(pid_, &raw, WNOHANG) == pid_; }, 10s);
+        if (!exited) {
+            ::kill(pid_, SIGKILL);
+            ::waitpid(pid_, &raw, 0);
+        }
+        status_ = exited && WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+        pid_ = -1;
+        return status_;
+    }
+
+private:
+    pid_t pid_ = -1;
+    int status_ = -1;
+};
+
+void scenario() {
+    const TempDir root;
+    const auto config = root / "config";
+    const auto container = root / "container";
+    const auto snapshots = root / "snapshots";
+    const auto opened = root / "opened.txt";
+    std::filesystem::create_directories(container);
+    root.write("open-url.sh", "#!/bin/sh\nprintf '%s\\n' \"$1\" >> '" + opened.string() + "'\n");
+    std::filesystem::permissions(root / "open-url.sh", std::filesystem::perms::owner_all);
+    ::setenv("XDG_CONFIG_HOME", config.c_str(), 1);
+    ::setenv("METERWICK_CONTAINER", container.c_str(), 1);
+    ::setenv("MW_HOST_SNAPSHOT_DIR", snapshots.c_str(), 1);
+    ::setenv("MW_URL_HANDLER", (root / "open-url.sh").c_str(), 1);
+    ::setenv("GDK_SCALE", "2", 1);  // HiDPI: windows are drawn at two pixels per point
+    ::unsetenv("MW_HOST_APPEARANCE");
+
+    writePayload(container, samplePayload(systemNow()));
+
+    // No host yet: reload says so.
+    const auto early = cli("reload");
+    EXPECT_EQ(early.status, 1);
+    EXPECT_NE(early.err.find("no Meterwick widget host is running"), std::string::npos) << early.err;
+
+    ASSERT_EQ(cli("place focus --set style=enhanced --at 0,0").status, 0);
+    ASSERT_EQ(cli("place accounts --family systemMedium --at 200,0").status, 0);
+    ASSERT_EQ(cli("place dashboard --family systemLarge --at 0,200").status, 0);
+    const std::vector<std::string> ids{"focus-1", "accounts-1", "dashboard-1"};
+
+    Host host(root / "host.log");
+    ASSERT_TRUE(host.started());
+    const auto hostLog = [&] { return readFile(root / "host.log"); };
+    ASSERT_TRUE(waitFor([&] {
+        for (const auto& id : ids)
+            if (!shown(snapshots, id)) return false;
+        return true;
+    }, 60s)) << hostLog();
+
+    // Each window is drawn exactly as the command draws the same entry.
+    for (const auto& id : ids) {
+        const auto info = *shown(snapshots, id);
+        EXPECT_EQ(info["scale"], 2) << id;
+        EXPECT_EQ(renderedLikeTheWindow(info, root / ("cli-" + id + ".png")), readFile(snapshots / (id + ".png")))
+            << id << " differs from meterwick-widgets render";
+    }
+
+    // A click opens the link under the pointer (or the widget's URL).
+    if (onPath("xdotool")) {
+        const auto info = *shown(snapshots, "focus-1");
+        const std::string url = expectedURL(info, 85, 85);
+        ASSERT_EQ(run("xdotool mousemove 170 170 click 1").status, 0);
+        EXPECT_TRUE(waitFor([&] { return readFile(opened).find(url + "\n") != std::string::npos; }, 10s))
+            << "expected " << url << ", opened: " << readFile(opened);
+    }
+
+    // The application replaces the payload: every window follows.
+    const auto before = *shown(snapshots, "focus-1");
+    const auto beforePNG = readFile(snapshots / "focus-1.png");
+    WidgetPayload empty;
+    empty.updatedAt = systemNow();
+    writePayload(container, empty);
+    ASSERT_TRUE(waitFor([&] {
+        const auto now = shown(snapshots, "focus-1");
+        return now && (*now)["build"] != before["build"];
+    })) << hostLog();
+    const auto after = *shown(snapshots, "focus-1");
+    EXPECT_NE(readFile(snapshots / "focus-1.png"), beforePNG);
+    EXPECT_EQ(renderedLikeTheWindow(after, root / "cli-after.png"), readFile(snapshots / "focus-1.png"));
+
+    // Reload over D-Bus: that kind only, done by the time the command returns.
+    const auto dashboardBuild = (*shown(snapshots, "dashboard-1"))["build"].get<int>();
+    const auto focusBuild = (*shown(snapshots, "focus-1"))["build"].get<int>();
+    const auto reload = cli("reload dashboard");
+    EXPECT_EQ(reload.status, 0) << reload.err;
+    EXPECT_EQ((*shown(snapshots, "dashboard-1"))["build"], dashboardBuild + 1);
+    EXPECT_EQ((*shown(snapshots, "focus-1"))["build"], focusBuild);
+    EXPECT_EQ(cli("reload nonsense").status, 2);
+
+    // Editing and removing through the command reach the running host.
+    ASSERT_EQ(cli("edit focus-1 --set style=classic").status, 0);
+    EXPECT_TRUE(waitFor([&] {
+        const auto now = shown(snapshots, "focus-1");
+        return now && (*now)["parameters"].value("style", "") == "classic";
+    })) << hostLog();
+    ASSERT_EQ(cli("remove accounts-1").status, 0);
+    EXPECT_TRUE(waitFor([&] { return !std::filesystem::exists(snapshots / "accounts-1.json"); })) << hostLog();
+
+    // A corrupt widgets.json is kept aside, reported, and shows no widgets.
+    const auto store = config / "meterwick" / "widgets.json";
+    ASSERT_TRUE(writeFileAtomically(store, "{\"widgets\": [ oops"));
+    EXPECT_TRUE(waitFor([&] {
+        return !std::filesystem::exists(snapshots / "focus-1.json") &&
+               !std::filesystem::exists(snapshots / "dashboard-1.json");
+    })) << hostLog();
+    std::vector<std::filesystem::path> kept;
+    for (const auto& entry : std::filesystem::directory_iterator(config / "meterwick"))
+        if (entry.path().filename().string().starts_with("widgets.json.corrupt-")) kept.push_back(entry.path());
+    ASSERT_EQ(kept.size(), 1u);
+    EXPECT_EQ(readFile(kept.front()), "{\"widgets\": [ oops");
+    EXPECT_NE(hostLog().find("kept as " + kept.front().string()), std::string::npos) << hostLog();
+    const auto listed = cli("list");
+    EXPECT_EQ(listed.status, 0);
+    EXPECT_EQ(nlohmann::json::parse(listed.out, nullptr, false), nlohmann::json::array());
+
+    EXPECT_EQ(host.stop(), 0) << hostLog();
+}
+
+TEST(HostEndToEnd, ShowsFollowsAndReloadsPlacedWidgets) {
+    if (std::getenv(kInsideVariable) != nullptr) {
+        scenario();
+        return;
+    }
+    if (!onPath("xvfb-run") || !onPath("dbus-run-session")) GTEST_SKIP() << "needs xvfb-run and dbus-run-session";
+    const TempDir io;
+    const std::string command = std::string("timeout -k 5 200 xvfb-run -a -s '-screen 0 2400x1600x24' ") +
+                                "dbus-run-session -- env " + kInsideVariable + "=1 NO_AT_BRIDGE=1 " +
+                                "'" + std::filesystem::read_symlink("/proc/self/exe").string() + "' --gtest_filter=HostEndToEnd.* >'" +
+                                (io / "log").string() + "' 2>&1";
+    const int raw = std::system(command.c_str());
+    const int status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    EXPECT_EQ(status, 0) << readFile(io / "log");
+}
+
+}  // namespace
+}  // namespace mw

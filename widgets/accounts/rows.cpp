@@ -1,0 +1,252 @@
+#include "widgets/accounts/rows.hpp"
+
+#include <algorithm>
+#include <cstdint>
+
+#include "model/brand.hpp"
+#include "model/pace.hpp"
+#include "model/rounding.hpp"
+#include "widgets/chrome/chrome.hpp"
+
+namespace mw {
+
+using render::Alignment;
+using render::Edge;
+using render::Font;
+using render::Frame;
+using render::HAlign;
+using render::HStack;
+using render::Image;
+using render::Spacer;
+using render::Text;
+using render::VAlign;
+using render::VStack;
+using render::View;
+using render::Weight;
+
+namespace {
+
+View fixedWidth(View view, double width, Alignment alignment) {
+    Frame frame;
+    frame.width = width;
+    frame.alignment = alignment;
+    return view.frame(frame);
+}
+
+View fixedHeight(View view, double height, Alignment alignment = Alignment::center()) {
+    Frame frame;
+    frame.height = height;
+    frame.alignment = alignment;
+    return view.frame(frame);
+}
+
+View fillWidth(View view, Alignment alignment = Alignment::leading()) {
+    return view.frame(Frame::maxWidthInfinity(alignment));
+}
+
+// Provider and account title; the account title only when it says more.
+struct Titles {
+    std::string provider;
+    std::optional<std::string> account;
+};
+
+Titles titlesOf(const WidgetAccount& account) {
+    Titles titles{providerTitle(account), std::nullopt};
+    if (auto rest = accountTitle(account); rest != titles.provider) titles.account = std::move(rest);
+    return titles;
+}
+
+// ---------------------------------------------------------------- full row
+
+constexpr double kMarkSize = 12;
+constexpr double kMarkGap = 4;
+constexpr double kBarHeight = 4;
+
+View nameColumn(const AccountRow& row, const Color& brand) {
+    const Titles titles = titlesOf(row.account);
+    View provider = Text(titles.provider)
+                        .font(Font::system(11, Weight::semibold))
+                        .foreground(render::Color::primary())
+                        .lineLimit(1)
+                        .minimumScaleFactor(0.8);
+    View account;
+    if (titles.account) {
+        account = Text(*titles.account)
+                      .font(Font::system(9))
+                      .foreground(render::Color::secondary())
+                      .lineLimit(1)
+                      .padding(Edge::leading, kMarkSize + kMarkGap);
+    }
+    View mark = body(ProviderMarkView{row.account.snapshot.toolID, brand, kMarkSize});
+    View column = VStack({HStack({mark, provider}, {.alignment = VAlign::center, .spacing = kMarkGap}), account},
+                         {.alignment = HAlign::leading, .spacing = 1});
+    return fixedWidth(column, row.nameWidth, Alignment::leading());
+}
+
+View resetLine(const WidgetUsageWindow& window, Date now) {
+    const auto text = resetText(window, now);
+    if (!text) return {};
+    return HStack({Image::system("arrow.clockwise").font(Font::system(7, Weight::semibold)),
+                   Text(*text).font(Font::system(8.5, Weight::medium)).monospacedDigit()},
+                  {.alignment = VAlign::center, .spacing = 2})
+        .foreground(render::Color::tertiary())
+        .lineLimit(1);
+}
+
+View windowColumn(const WidgetUsageWindow& window, const Color& brand, Date now, bool remaining) {
+    View label = Text(window.label)
+                     .font(Font::system(9, Weight::medium))
+                     .foreground(render::Color::secondary())
+                     .lineLimit(1);
+    View figure = Text(percentText(window, remaining))
+                      .font(Font::system(12, Weight::semibold))
+                      .monospacedDigit()
+                      .foreground(toRender(fillColor(window, brand, now)))
+                      .lineLimit(1)
+                      .layoutPriority(1);
+    View head = HStack({label, Spacer(4), figure}, {.alignment = VAlign::bottom, .spacing = 0});
+    View bar = fixedHeight(body(PaceBar{window, brand, now, remaining, kBarHeight}), kBarHeight);
+    return fillWidth(VStack({head, bar, resetLine(window, now)}, {.alignment = HAlign::leading, .spacing = 3}));
+}
+
+// What an account without windows shows in their place: its menu-bar text,
+// and the forecast under it when there is one.
+View menuBarColumn(const WidgetToolSnapshot& snapshot) {
+    View forecast;
+    if (snapshot.forecastLabel && !snapshot.forecastLabel->empty()) {
+        forecast = Text(*snapshot.forecastLabel)
+                       .font(Font::system(8.5, Weight::medium))
+                       .foreground(render::Color::tertiary())
+                       .lineLimit(1);
+    }
+    View text = Text(snapshot.menuBarText)
+                    .font(Font::system(12, Weight::semibold))
+                    .monospacedDigit()
+                    .foreground(render::Color::primary())
+                    .lineLimit(1);
+    return fillWidth(VStack({text, forecast}, {.alignment = HAlign::leading, .spacing = 2}));
+}
+
+// ---------------------------------------------------------------- compact row
+
+constexpr double kCompactRowHeight = 20;
+constexpr double kCompactMarkSize = 11;
+constexpr double kCompactFigureWidth = 56;
+constexpr double kCompactBarWidth = 54;
+
+// "5h 62%": the label small and dim, the figure in the window's fill colour.
+View compactFigure(const WidgetUsageWindow& window, const Color& brand, Date now, bool remaining) {
+    View label = Text(window.label)
+                     .font(Font::system(8.5, Weight::medium))
+                     .foreground(render::Color::tertiary())
+                     .lineLimit(1);
+    View figure = Text(percentText(window, remaining))
+                      .font(Font::system(11, Weight::semibold))
+                      .monospacedDigit()
+                      .foreground(toRender(fillColor(window, brand, now)))
+                      .lineLimit(1)
+                      .layoutPriority(1);
+    return fixedWidth(HStack({label, figure}, {.alignment = VAlign::center, .spacing = 3}), kCompactFigureWidth,
+                      Alignment::trailing());
+}
+
+View compactName(const WidgetAccount& account) {
+    const Titles titles = titlesOf(account);
+    View provider = Text(titles.provider)
+                        .font(Font::system(11, Weight::semibold))
+                        .foreground(render::Color::primary())
+                        .lineLimit(1)
+                        .layoutPriority(1);
+    View rest;
+    if (titles.account) {
+        rest = Text(*titles.account).font(Font::system(10)).foreground(render::Color::secondary()).lineLimit(1);
+    }
+    return fillWidth(HStack({provider, rest}, {.alignment = VAlign::center, .spacing = 4}));
+}
+
+// ---------------------------------------------------------------- insights
+
+View insightLine(const WidgetInsight& insight) {
+    render::Color tint = render::Color::secondary();
+    if (insight.kind == WidgetInsightKind::runsOut) tint = toRender(warnOrange());
+    if (insight.kind == WidgetInsightKind::headroom) tint = toRender(underGreen());
+    return HStack({Image::system(insightSymbol(insight.kind)).font(Font::system(8, Weight::semibold)).foreground(tint),
+                   Text(insight.text).font(Font::system(9, Weight::medium)).lineLimit(1)},
+                  {.alignment = VAlign::center, .spacing = 4})
+        .foreground(render::Color::secondary());
+}
+
+}  // namespace
+
+std::string percentText(const WidgetUsageWindow& window, bool remaining) {
+    const double shown = remaining ? roomLeft(window) : window.usedPercent;
+    const std::int64_t whole = std::clamp<std::int64_t>(truncateTowardZero(shown), 0, 999);
+    return std::to_string(whole) + "%";
+}
+
+std::optional<std::string> resetText(const WidgetUsageWindow& window, Date now) {
+    if (!window.resetAt) return std::nullopt;
+    const double seconds = *window.resetAt - now;
+    if (!(seconds > 0)) return std::nullopt;
+    return durationText(seconds);
+}
+
+std::string insightSymbol(WidgetInsightKind kind) {
+    switch (kind) {
+        case WidgetInsightKind::runsOut: return "flame";
+        case WidgetInsightKind::nextReset: return "arrow.clockwise";
+        case WidgetInsightKind::headroom: return "gauge";
+    }
+    return "info.circle";
+}
+
+View body(const AccountRow& row) {
+    const Color brand = toolColor(row.account.snapshot);
+    const auto windows = shownWindows(row.account);
+    std::vector<View> children{nameColumn(row, brand)};
+    if (windows.empty()) {
+        children.push_back(menuBarColumn(row.account.snapshot));
+    } else {
+        children.push_back(windowColumn(windows.front(), brand, row.now, row.remaining));
+        // A lone window keeps the second slot empty so the columns line up across rows.
+        const auto second = secondWindow(row.account);
+        children.push_back(second ? windowColumn(*second, brand, row.now, row.remaining) : Spacer());
+    }
+    return fillWidth(HStack(std::move(children), {.alignment = VAlign::center, .spacing = 12}));
+}
+
+View body(const CompactAccountRow& row) {
+    const Color brand = toolColor(row.account.snapshot);
+    const auto windows = shownWindows(row.account);
+    std::vector<View> children{body(ProviderMarkView{row.account.snapshot.toolID, brand, kCompactMarkSize}),
+                               compactName(row.account)};
+    if (windows.empty()) {
+        children.push_back(Text(row.account.snapshot.menuBarText)
+                               .font(Font::system(11, Weight::semibold))
+                               .monospacedDigit()
+                               .foreground(render::Color::primary())
+                               .lineLimit(1)
+                               .layoutPriority(1));
+    } else {
+        const WidgetUsageWindow& main = windows.front();
+        children.push_back(compactFigure(main, brand, row.now, row.remaining));
+        children.push_back(fixedWidth(fixedHeight(body(PaceBar{main, brand, row.now, row.remaining, 3}), 3),
+                                      kCompactBarWidth, Alignment::center()));
+        const auto second = secondWindow(row.account);
+        children.push_back(second ? compactFigure(*second, brand, row.now, row.remaining)
+                                  : fixedWidth(HStack({}), kCompactFigureWidth, Alignment::trailing()));
+    }
+    return fixedHeight(fillWidth(HStack(std::move(children), {.alignment = VAlign::center, .spacing = 6})),
+                       kCompactRowHeight);
+}
+
+View body(const InsightsFooter& footer) {
+    const std::size_t count = std::min(footer.count, footer.insights.size());
+    if (count == 0) return {};
+    std::vector<View> lines;
+    lines.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) lines.push_back(insightLine(footer.insights[i]));
+    return VStack(std::move(lines), {.alignment = HAlign::leading, .spacing = 3});
+}
+
+}  // namespace mw

@@ -1,0 +1,27 @@
+#pragma once
+// The short texts of the Focus widget: percentages, reset countdowns and the
+// upper-cased tool name.
+
+#include <string>
+#include <string_view>
+
+namespace mw {
+
+// A percentage as a whole number: clamped to 0..999, the fraction dropped.
+// Not-a-number reads 0.
+long long percentValue(double percent);
+
+// percentValue followed by "%": 42.9 → "42%", 1500 → "999%", −3 → "0%".
+std::string percentText(double percent);
+
+// Time until a reset as hours and minutes, "3:05", "0:45"; "now" under a
+// whole minute (and for a reset already past). Seconds are rounded to whole
+// seconds first (halves away from zero), then truncated to minutes.
+std::string countdownText(double seconds);
+
+// `text` in capitals. ASCII, Latin-1, Latin Extended-A, Greek and Cyrillic
+// letters are mapped; every other character, and any byte that is not valid
+// UTF-8, is copied unchanged, so a multibyte character is never split.
+std::string upperCased(std::string_view text);
+
+}  // namespace mw
