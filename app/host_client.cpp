@@ -1,9 +1,9 @@
 #include "app/host_client.hpp"
 
+#include <giomm.h>
+
 #include <cstdlib>
 #include <filesystem>
-
-#include <giomm.h>
 
 #include "host/bus.hpp"
 
@@ -39,11 +39,11 @@ HostCall callHost(const char* method, const Glib::VariantContainerBase& paramete
     Glib::RefPtr<Gio::DBus::Connection> connection;
     try {
         connection = Gio::DBus::Connection::create_for_address_sync(
-            *address, Gio::DBus::CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                          Gio::DBus::CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+            *address,
+            Gio::DBus::CONNECTION_FLAGS_AUTHENTICATION_CLIENT | Gio::DBus::CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
     } catch (const Glib::Error& error) {
         return {HostCallResult::noHost, "no Meterwick widget host is running (the session bus cannot be reached: " +
-                                             std::string(error.what()) + ")"};
+                                            std::string(error.what()) + ")"};
     }
     try {
         connection->call_sync(kHostObjectPath, kHostInterface, method, parameters, kHostBusName,
@@ -60,8 +60,8 @@ HostCall callHost(const char* method, const Glib::VariantContainerBase& paramete
 
 HostCall reloadHostTimelines(const std::optional<std::string>& kind) {
     if (kind)
-        return callHost("ReloadTimelines", Glib::VariantContainerBase::create_tuple(
-                                               Glib::Variant<Glib::ustring>::create(*kind)));
+        return callHost("ReloadTimelines",
+                        Glib::VariantContainerBase::create_tuple(Glib::Variant<Glib::ustring>::create(*kind)));
     return callHost("ReloadAllTimelines", Glib::VariantContainerBase());
 }
 

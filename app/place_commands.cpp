@@ -20,14 +20,17 @@ std::filesystem::path storeFile() {
 // Loads the store; a bad file has been moved aside by now and is reported.
 PlacementsLoad loadStore(const std::filesystem::path& file) {
     auto load = loadPlacements(file, systemNow());
-    if (const auto report = problemReport(file, load); !report.empty()) std::cerr << "meterwick-widgets: " << report << '\n';
+    if (const auto report = problemReport(file, load); !report.empty())
+        std::cerr << "meterwick-widgets: " << report << '\n';
     return load;
 }
 
 // Saves, then lets a running host know; no host is fine.
-void saveStore(const std::filesystem::path& file, const PlacementsLoad& load, const std::vector<PlacedWidget>& widgets) {
+void saveStore(const std::filesystem::path& file, const PlacementsLoad& load,
+               const std::vector<PlacedWidget>& widgets) {
     if (!load.writable())
-        throw std::runtime_error("not saving over " + file.string() + ": it could not be read and could not be moved aside");
+        throw std::runtime_error("not saving over " + file.string() +
+                                 ": it could not be read and could not be moved aside");
     if (!savePlacements(file, widgets)) throw std::runtime_error("cannot write " + file.string());
     const auto call = reloadHostTimelines(std::nullopt);
     if (call.result == HostCallResult::failed)
@@ -92,8 +95,8 @@ void registerPlaceCommands(CLI::App& app, const GlobalOptions&) {
             ->type_name("X,Y");
     place->callback([placeArgs] {
         const auto& widget = widgetNamed(placeArgs->kind);
-        const auto family = familyFor(
-            widget, placeArgs->familyOption->count() > 0 ? std::optional(placeArgs->family) : std::nullopt);
+        const auto family =
+            familyFor(widget, placeArgs->familyOption->count() > 0 ? std::optional(placeArgs->family) : std::nullopt);
         auto parameters = intentParametersFor(widget, placeArgs->assignments);
         parameters.merge(defaultParameters(widget));  // what was set wins
         // Checked before anything is read, so a bad --at changes nothing.

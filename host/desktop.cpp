@@ -28,7 +28,7 @@ render::Appearance desktopAppearance(const DesktopPreferences& preferences) {
     if (preferences.portalColorScheme == 1u) return render::Appearance::dark;
     if (preferences.portalColorScheme == 2u) return render::Appearance::light;
     return preferences.gtkPreferDark || isDarkThemeName(preferences.gtkThemeName) ? render::Appearance::dark
-                                                                                    : render::Appearance::light;
+                                                                                  : render::Appearance::light;
 }
 
 std::optional<std::filesystem::path> containerCandidate(const ContainerEnvironment& env) {

@@ -16,10 +16,10 @@ namespace mw {
 
 // The desktop's preferences as far as they are known.
 struct DesktopPreferences {
-    std::optional<std::string> forced;             // MW_HOST_APPEARANCE: "light" or "dark" overrides the rest
-    std::optional<std::uint32_t> portalColorScheme; // org.freedesktop.appearance color-scheme: 0 none, 1 dark, 2 light
-    bool gtkPreferDark = false;                    // gtk-application-prefer-dark-theme
-    std::string gtkThemeName;                      // gtk-theme-name, e.g. "Adwaita-dark"
+    std::optional<std::string> forced;               // MW_HOST_APPEARANCE: "light" or "dark" overrides the rest
+    std::optional<std::uint32_t> portalColorScheme;  // org.freedesktop.appearance color-scheme: 0 none, 1 dark, 2 light
+    bool gtkPreferDark = false;                      // gtk-application-prefer-dark-theme
+    std::string gtkThemeName;                        // gtk-theme-name (or GTK_THEME), e.g. "Adwaita-dark"
     bool operator==(const DesktopPreferences&) const = default;
 };
 

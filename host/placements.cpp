@@ -34,7 +34,9 @@ constexpr std::array<StatusCase, 4> kStatuses{{
 // Far beyond any desktop; keeps arithmetic on positions well inside int.
 constexpr int kPositionLimit = 100'000;
 
-std::string inQuotes(std::string_view text) { return "\"" + std::string(text) + "\""; }
+std::string inQuotes(std::string_view text) {
+    return "\"" + std::string(text) + "\"";
+}
 
 // A decoding fault, with the entry it was found in.
 struct Fault {
@@ -108,7 +110,9 @@ std::optional<std::filesystem::path> moveAside(const std::filesystem::path& file
 
 }  // namespace
 
-ConfigEnvironment ConfigEnvironment::fromProcess() { return {variable("XDG_CONFIG_HOME"), variable("HOME")}; }
+ConfigEnvironment ConfigEnvironment::fromProcess() {
+    return {variable("XDG_CONFIG_HOME"), variable("HOME")};
+}
 
 std::optional<std::filesystem::path> placementsFile(const ConfigEnvironment& env) {
     if (env.configHome) return std::filesystem::path(*env.configHome) / "meterwick" / kPlacementsFileName;
@@ -116,7 +120,9 @@ std::optional<std::filesystem::path> placementsFile(const ConfigEnvironment& env
     return std::nullopt;
 }
 
-std::optional<std::filesystem::path> placementsFile() { return placementsFile(ConfigEnvironment::fromProcess()); }
+std::optional<std::filesystem::path> placementsFile() {
+    return placementsFile(ConfigEnvironment::fromProcess());
+}
 
 std::string_view rawValue(PlacementsStatus status) {
     for (const auto& c : kStatuses)
@@ -253,8 +259,8 @@ WidgetPosition defaultPosition(const std::vector<PlacedWidget>& widgets) {
     constexpr int kStep = 32;
     for (int n = 0;; ++n) {
         const WidgetPosition candidate{kOrigin + kStep * n, kOrigin + kStep * n};
-        const bool taken = std::any_of(widgets.begin(), widgets.end(),
-                                       [&](const auto& w) { return w.position == candidate; });
+        const bool taken =
+            std::any_of(widgets.begin(), widgets.end(), [&](const auto& w) { return w.position == candidate; });
         if (!taken) return candidate;
     }
 }

@@ -6,12 +6,11 @@
 // reported, and the store starts afresh.
 
 #include <filesystem>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include <nlohmann/json.hpp>
 
 #include "bundle/bundle.hpp"
 #include "config/family.hpp"
@@ -34,9 +33,9 @@ struct WidgetPosition {
 // this build does not know (a newer widget, a family dropped later) survives
 // a rewrite of the file; `resolvePlacement` says whether it can be shown.
 struct PlacedWidget {
-    std::string id;      // "focus-1": unique within the store
-    std::string kind;    // kind string, "MeterwickFocus"
-    std::string family;  // raw family, "systemSmall"
+    std::string id;               // "focus-1": unique within the store
+    std::string kind;             // kind string, "MeterwickFocus"
+    std::string family;           // raw family, "systemSmall"
     IntentParameters parameters;  // raw values and entity ids by parameter name
     WidgetPosition position;
     bool operator==(const PlacedWidget&) const = default;
@@ -71,7 +70,7 @@ std::string_view rawValue(PlacementsStatus status);
 struct PlacementsLoad {
     std::vector<PlacedWidget> widgets;
     PlacementsStatus status = PlacementsStatus::ok;
-    std::string problem;                         // why the file could not be used
+    std::string problem;                          // why the file could not be used
     std::optional<std::filesystem::path> keptAs;  // where the unusable file now is
     bool operator==(const PlacementsLoad&) const = default;
 

@@ -5,8 +5,8 @@
 // `scheduleStep` again whenever it fires, so a late timer (suspend) or a
 // clock that was set in either direction is corrected by the wall clock.
 
-#include <cstdint>
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "bundle/bundle.hpp"

@@ -9,6 +9,8 @@ MW_PACKAGES=(
   nlohmann-json3-dev libcli11-dev
   libcairo2-dev libpango1.0-dev librsvg2-dev fonts-inter
   libgtest-dev libgmock-dev libbenchmark-dev
+  libgtkmm-3.0-dev libgtk-layer-shell-dev libglib2.0-bin
+  xvfb xauth xdotool dbus-daemon dbus-x11
 )
 
 mw_install_missing() {

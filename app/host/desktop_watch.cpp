@@ -63,6 +63,9 @@ void DesktopWatch::readToolkitSettings() {
         preferences_.gtkThemeName = settings->property_gtk_theme_name().get_value();
         preferences_.gtkPreferDark = settings->property_gtk_application_prefer_dark_theme().get_value();
     }
+    // GTK_THEME ("Adwaita:dark") overrides the settings' theme in GTK itself.
+    if (const char* theme = std::getenv("GTK_THEME"); theme != nullptr && *theme != '\0')
+        preferences_.gtkThemeName = theme;
 }
 
 void DesktopWatch::changed() {
@@ -85,21 +88,23 @@ void DesktopWatch::connectPortal() {
                 return;
             }
             portal_->signal_signal().connect(sigc::mem_fun(*this, &DesktopWatch::onPortalSignal));
-            const auto arguments = Glib::VariantContainerBase::create_tuple(
-                {Glib::Variant<Glib::ustring>::create(kAppearanceNamespace), Glib::Variant<Glib::ustring>::create(kColorScheme)});
-            portal_->call("Read",
-                          [this, alive](const Glib::RefPtr<Gio::AsyncResult>& reply) {
-                              if (alive.expired() || !*alive.lock()) return;
-                              try {
-                                  const auto values = portal_->call_finish(reply);
-                                  Glib::VariantBase value;
-                                  values.get_child(value, 0);
-                                  setPortalScheme(value);
-                              } catch (const Glib::Error&) {
-                                  // No portal, or no such setting: the toolkit decides.
-                              }
-                          },
-                          arguments);
+            const auto arguments =
+                Glib::VariantContainerBase::create_tuple({Glib::Variant<Glib::ustring>::create(kAppearanceNamespace),
+                                                          Glib::Variant<Glib::ustring>::create(kColorScheme)});
+            portal_->call(
+                "Read",
+                [this, alive](const Glib::RefPtr<Gio::AsyncResult>& reply) {
+                    if (alive.expired() || !*alive.lock()) return;
+                    try {
+                        const auto values = portal_->call_finish(reply);
+                        Glib::VariantBase value;
+                        values.get_child(value, 0);
+                        setPortalScheme(value);
+                    } catch (const Glib::Error&) {
+                        // No portal, or no such setting: the toolkit decides.
+                    }
+                },
+                arguments);
         },
         {}, Gio::DBus::PROXY_FLAGS_DO_NOT_AUTO_START | Gio::DBus::PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES);
 }

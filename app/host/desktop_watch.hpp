@@ -3,18 +3,18 @@
 // preference (toolkit settings and the settings portal), the machine waking
 // from sleep (logind), and the wall clock being set.
 
+#include <gtkmm.h>
+
 #include <functional>
 #include <memory>
 #include <optional>
-
-#include <gtkmm.h>
 
 #include "host/desktop.hpp"
 
 namespace mw::host {
 
 class DesktopWatch {
-public:
+  public:
     DesktopWatch(std::function<void(render::Appearance)> appearanceChanged, std::function<void()> clockMayHaveJumped);
     ~DesktopWatch();
     DesktopWatch(const DesktopWatch&) = delete;
@@ -22,10 +22,11 @@ public:
 
     render::Appearance appearance() const { return desktopAppearance(preferences_); }
 
-private:
+  private:
     void readToolkitSettings();
     void connectPortal();
-    void onPortalSignal(const Glib::ustring& sender, const Glib::ustring& signal, const Glib::VariantContainerBase& parameters);
+    void onPortalSignal(const Glib::ustring& sender, const Glib::ustring& signal,
+                        const Glib::VariantContainerBase& parameters);
     void setPortalScheme(const Glib::VariantBase& value);
     void connectLogind();
     void armClockWatch();

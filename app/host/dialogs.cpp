@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "bundle/widget_view.hpp"
+#include "host/widget_mask.hpp"
 #include "platform/clock.hpp"
 #include "render/cairo/painter.hpp"
 #include "render/cairo/text.hpp"
@@ -12,6 +13,21 @@ namespace {
 
 constexpr double kPreviewWidth = 200;
 constexpr double kPreviewHeight = 110;
+
+// How the gallery names a family.
+std::string familyTitle(WidgetFamily family) {
+    switch (family) {
+        case WidgetFamily::systemSmall:
+            return "Small";
+        case WidgetFamily::systemMedium:
+            return "Medium";
+        case WidgetFamily::systemLarge:
+            return "Large";
+        case WidgetFamily::systemExtraLarge:
+            return "Extra Large";
+    }
+    return std::string(rawValue(family));
+}
 
 template <class E>
 ParameterChoices optionChoices() {
@@ -40,10 +56,14 @@ ParameterChoices choicesFor(const IntentParameter& parameter, const std::optiona
         case IntentParameterType::providerChoice:
             return entityChoices(WidgetProviderChoiceQuery::suggestedEntities(container), stored,
                                  &providerChoiceForIdentifier);
-        case IntentParameterType::limit: return optionChoices<WidgetLimitChoice>();
-        case IntentParameterType::percent: return optionChoices<WidgetPercentChoice>();
-        case IntentParameterType::order: return optionChoices<WidgetOrderChoice>();
-        case IntentParameterType::detailStyle: return optionChoices<WidgetDetailStyle>();
+        case IntentParameterType::limit:
+            return optionChoices<WidgetLimitChoice>();
+        case IntentParameterType::percent:
+            return optionChoices<WidgetPercentChoice>();
+        case IntentParameterType::order:
+            return optionChoices<WidgetOrderChoice>();
+        case IntentParameterType::detailStyle:
+            return optionChoices<WidgetDetailStyle>();
     }
     return {};
 }
@@ -58,6 +78,7 @@ EditWidgetDialog::EditWidgetDialog(const IntentDescription& intent, const Intent
                                    const std::optional<std::filesystem::path>& container, Apply apply)
     : apply_(std::move(apply)) {
     set_title(std::string(intent.title));
+    set_position(Gtk::WIN_POS_MOUSE);
     set_resizable(false);
     grid_.set_row_spacing(8);
     grid_.set_column_spacing(12);
@@ -93,6 +114,7 @@ EditWidgetDialog::EditWidgetDialog(const IntentDescription& intent, const Intent
 AddWidgetDialog::AddWidgetDialog(std::function<render::Appearance()> appearance, Add add)
     : appearance_(std::move(appearance)), add_(std::move(add)) {
     set_title("Add Widget");
+    set_position(Gtk::WIN_POS_MOUSE);
     set_default_size(640, 620);
     rowsBox_.set_border_width(16);
 
@@ -125,8 +147,7 @@ AddWidgetDialog::AddWidgetDialog(std::function<render::Appearance()> appearance,
         r.description.set_xalign(0);
 
         for (const auto family : widget.families) {
-            const auto raw = std::string(rawValue(family));
-            r.family.append(raw, raw);
+            r.family.append(std::string(rawValue(family)), familyTitle(family));
         }
         r.family.set_active(0);
         r.family.signal_changed().connect([this, &r] { updatePreview(r); });
@@ -156,7 +177,8 @@ AddWidgetDialog::AddWidgetDialog(std::function<render::Appearance()> appearance,
 // The placeholder entry, as the gallery shows a widget before it has data.
 void AddWidgetDialog::updatePreview(Row& row) {
     const auto family = widgetFamilyFromRaw(row.family.get_active_id().raw()).value_or(row.widget->families.front());
-    row.list = layoutWidget(row.widget->placeholder(systemNow()), family, render::systemTextMeasurer());
+    row.list =
+        maskedToWidgetShape(layoutWidget(row.widget->placeholder(systemNow()), family, render::systemTextMeasurer()));
     row.preview.queue_draw();
 }
 

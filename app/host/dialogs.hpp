@@ -3,6 +3,8 @@
 // they change) and Add Widget (the five widgets in gallery order with a
 // preview, their description and a family choice).
 
+#include <gtkmm.h>
+
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -10,8 +12,6 @@
 #include <string>
 #include <utility>
 #include <vector>
-
-#include <gtkmm.h>
 
 #include "bundle/bundle.hpp"
 #include "render/color.hpp"
@@ -32,12 +32,12 @@ ParameterChoices choicesFor(const IntentParameter& parameter, const std::optiona
 std::string selectedValue(const IntentParameter& parameter, const IntentParameters& stored);
 
 class EditWidgetDialog : public Gtk::Dialog {
-public:
+  public:
     using Apply = std::function<void(const std::string& name, const std::string& value)>;
     EditWidgetDialog(const IntentDescription& intent, const IntentParameters& stored,
                      const std::optional<std::filesystem::path>& container, Apply apply);
 
-private:
+  private:
     Gtk::Grid grid_;
     std::vector<std::unique_ptr<Gtk::Label>> labels_;
     std::vector<std::unique_ptr<Gtk::ComboBoxText>> lists_;
@@ -45,13 +45,13 @@ private:
 };
 
 class AddWidgetDialog : public Gtk::Dialog {
-public:
+  public:
     using Add = std::function<void(const WidgetDeclaration& widget, WidgetFamily family)>;
     AddWidgetDialog(std::function<render::Appearance()> appearance, Add add);
 
     void appearanceChanged();
 
-private:
+  private:
     struct Row {
         const WidgetDeclaration* widget = nullptr;
         Gtk::Box box{Gtk::ORIENTATION_HORIZONTAL, 16};

@@ -2,6 +2,7 @@
 
 #include <glib-unix.h>
 
+#include <clocale>
 #include <cmath>
 #include <csignal>
 #include <cstdlib>
@@ -53,6 +54,9 @@ void HostApplication::report(const std::string& message) const {
 
 void HostApplication::on_startup() {
     Gtk::Application::on_startup();
+    // GTK adopts the user's locale; the widgets' figures are formatted like
+    // the command's, with a decimal point, whatever the language.
+    std::setlocale(LC_NUMERIC, "C");
     hold();  // keep running with no widget placed: one may be placed later
 
     storeFile_ = placementsFile();
@@ -63,8 +67,8 @@ void HostApplication::on_startup() {
         std::filesystem::create_directories(*snapshotDirectory_, ec);
     }
 
-    desktopWatch_ = std::make_unique<DesktopWatch>([this](render::Appearance a) { setAppearance(a); },
-                                                   [this] { recheckAll(); });
+    desktopWatch_ =
+        std::make_unique<DesktopWatch>([this](render::Appearance a) { setAppearance(a); }, [this] { recheckAll(); });
     appearance_ = desktopWatch_->appearance();
     g_unix_signal_add(SIGTERM, quitOnSignal, this);
     g_unix_signal_add(SIGINT, quitOnSignal, this);
@@ -108,8 +112,9 @@ void HostApplication::onMethodCall(const Glib::RefPtr<Gio::DBus::Connection>&, c
         reloadKind(widget->kind);
         invocation->return_value(Glib::VariantContainerBase());
     } else if (methodName == "ReloadAllTimelines") {
-        syncPlacements();
-        reloadAll();
+        const auto created = syncPlacements();  // new windows have just built theirs
+        for (auto& [id, window] : windows_)
+            if (!created.contains(id)) window->reload();
         invocation->return_value(Glib::VariantContainerBase());
     } else if (methodName == "Status") {
         std::map<Glib::ustring, Glib::VariantBase> status{
@@ -131,11 +136,11 @@ Glib::RefPtr<Gio::FileMonitor> HostApplication::watchDirectory(const std::filesy
     try {
         auto monitor = Gio::File::create_for_path(dir.string())->monitor_directory(Gio::FILE_MONITOR_WATCH_MOVES);
         monitor->signal_changed().connect([this, fileName, &debounce, action](const Glib::RefPtr<Gio::File>& file,
-                                                                             const Glib::RefPtr<Gio::File>& other,
-                                                                             Gio::FileMonitorEvent event) {
+                                                                              const Glib::RefPtr<Gio::File>& other,
+                                                                              Gio::FileMonitorEvent event) {
             if (event == Gio::FILE_MONITOR_EVENT_ATTRIBUTE_CHANGED) return;
-            const bool concerned = (file && file->get_basename() == fileName) ||
-                                   (other && other->get_basename() == fileName);
+            const bool concerned =
+                (file && file->get_basename() == fileName) || (other && other->get_basename() == fileName);
             if (!concerned) return;  // the self-report and temporaries live here too
             debounce.disconnect();
             debounce = Glib::signal_timeout().connect(
@@ -159,13 +164,14 @@ void HostApplication::watchFiles() {
     if (storeFile_) {
         std::error_code ec;
         std::filesystem::create_directories(storeFile_->parent_path(), ec);
-        storeMonitor_ =
-            watchDirectory(storeFile_->parent_path(), kPlacementsFileName, storeDebounce_, [this] { syncPlacements(); });
+        storeMonitor_ = watchDirectory(storeFile_->parent_path(), kPlacementsFileName, storeDebounce_,
+                                       [this] { syncPlacements(); });
     }
 }
 
-void HostApplication::syncPlacements() {
-    if (!storeFile_) return;
+std::set<std::string> HostApplication::syncPlacements() {
+    std::set<std::string> created;
+    if (!storeFile_) return created;
     const auto load = loadPlacements(*storeFile_, systemNow());
     if (const auto problem = problemReport(*storeFile_, load); !problem.empty()) report(problem);
 
@@ -180,8 +186,8 @@ void HostApplication::syncPlacements() {
         shown.insert(placed.id);
         if (const auto it = windows_.find(placed.id); it != windows_.end())
             it->second->update(placed, *resolved.value);
-        else
-            windows_.emplace(placed.id, std::make_unique<WidgetWindow>(*this, placed, *resolved.value));
+        else if (windows_.emplace(placed.id, std::make_unique<WidgetWindow>(*this, placed, *resolved.value)).second)
+            created.insert(placed.id);
     }
     for (auto it = windows_.begin(); it != windows_.end();) {
         if (shown.contains(it->first)) {
@@ -191,6 +197,7 @@ void HostApplication::syncPlacements() {
             it = windows_.erase(it);
         }
     }
+    return created;
 }
 
 void HostApplication::reloadAll() {
@@ -250,7 +257,9 @@ void HostApplication::setPosition(const std::string& id, WidgetPosition position
 }
 
 void HostApplication::removeWidget(const std::string& id) {
-    editStore([&](std::vector<PlacedWidget>& widgets) { return std::erase_if(widgets, [&](const auto& w) { return w.id == id; }) > 0; });
+    editStore([&](std::vector<PlacedWidget>& widgets) {
+        return std::erase_if(widgets, [&](const auto& w) { return w.id == id; }) > 0;
+    });
 }
 
 void HostApplication::addWidget(const WidgetDeclaration& widget, WidgetFamily family,
@@ -265,10 +274,9 @@ void HostApplication::addWidget(const WidgetDeclaration& widget, WidgetFamily fa
 
 void HostApplication::showAddDialog(std::optional<WidgetPosition> near) {
     if (!addDialog_)
-        addDialog_ = std::make_unique<AddWidgetDialog>([this] { return appearance_; },
-                                                       [this](const WidgetDeclaration& widget, WidgetFamily family) {
-                                                           addWidget(widget, family, addNear_);
-                                                       });
+        addDialog_ = std::make_unique<AddWidgetDialog>(
+            [this] { return appearance_; },
+            [this](const WidgetDeclaration& widget, WidgetFamily family) { addWidget(widget, family, addNear_); });
     addNear_ = near;
     addDialog_->present();
 }

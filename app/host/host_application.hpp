@@ -3,6 +3,8 @@
 // keeping its widget's timeline, plus the session-bus service that asks for
 // reloads. Single instance under the application id app.meterwick.WidgetHost.
 
+#include <gtkmm.h>
+
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -11,8 +13,6 @@
 #include <optional>
 #include <set>
 #include <string>
-
-#include <gtkmm.h>
 
 #include "app/host/desktop_watch.hpp"
 #include "host/placements.hpp"
@@ -27,13 +27,13 @@ class AddWidgetDialog;
 // What the host counts, for Status() and the idle measurements.
 struct HostCounters {
     std::uint64_t timelineBuilds = 0;
-    std::uint64_t timerWakeUps = 0;   // per-widget schedule timers that fired
-    std::uint64_t fileWakeUps = 0;    // debounced file-change reloads
+    std::uint64_t timerWakeUps = 0;  // per-widget schedule timers that fired
+    std::uint64_t fileWakeUps = 0;   // debounced file-change reloads
     bool operator==(const HostCounters&) const = default;
 };
 
 class HostApplication : public Gtk::Application {
-public:
+  public:
     HostApplication();
     ~HostApplication() override;
     HostApplication(const HostApplication&) = delete;
@@ -55,19 +55,20 @@ public:
     void addWidget(const WidgetDeclaration& widget, WidgetFamily family, std::optional<WidgetPosition> near);
     void showAddDialog(std::optional<WidgetPosition> near);
 
-    // Re-reads widgets.json and makes the windows match it.
-    void syncPlacements();
+    // Re-reads widgets.json and makes the windows match it; the ids of the
+    // windows it opened.
+    std::set<std::string> syncPlacements();
     void reloadAll();
     void reloadKind(std::string_view kind);
     // The wall clock may have jumped (resume, clock set): every widget
     // re-checks its schedule.
     void recheckAll();
 
-protected:
+  protected:
     void on_startup() override;
     void on_activate() override;
 
-private:
+  private:
     void registerBusObject();
     void onMethodCall(const Glib::RefPtr<Gio::DBus::Connection>& connection, const Glib::ustring& sender,
                       const Glib::ustring& objectPath, const Glib::ustring& interfaceName,

@@ -10,6 +10,7 @@
 #include "app/host/host_application.hpp"
 #include "bundle/widget_view.hpp"
 #include "host/schedule.hpp"
+#include "host/widget_mask.hpp"
 #include "platform/atomic_write.hpp"
 #include "platform/clock.hpp"
 #include "render/cairo/painter.hpp"
@@ -118,9 +119,13 @@ void WidgetWindow::reload() {
     step(true);
 }
 
-void WidgetWindow::recheck() { step(false); }
+void WidgetWindow::recheck() {
+    step(false);
+}
 
-void WidgetWindow::appearanceChanged() { presentationChanged(); }
+void WidgetWindow::appearanceChanged() {
+    presentationChanged();
+}
 
 void WidgetWindow::build(Date now) {
     auto context = host_.providerContext();
@@ -161,6 +166,7 @@ void WidgetWindow::show(std::size_t entryIndex) {
     shown_ = entryIndex;
     if (entryIndex >= timeline_->entries.size()) return;
     list_ = layoutWidget(timeline_->entries[entryIndex], resolved_.family, render::systemTextMeasurer());
+    shownList_ = maskedToWidgetShape(list_);
     presentationChanged();
 }
 
@@ -176,22 +182,23 @@ bool WidgetWindow::on_draw(const Cairo::RefPtr<Cairo::Context>& cr) {
     cr->set_source_rgba(0, 0, 0, 0);
     cr->paint();
     cr->restore();
-    render::paint(cr->cobj(), list_, host_.appearance());
+    render::paint(cr->cobj(), shownList_, host_.appearance());
     return true;
 }
 
 // Without a compositor the window is cut to where the widget draws, so its
 // rounded corners show the desktop rather than black.
 void WidgetWindow::updateShape() {
-    if (composited_ || list_.ops.empty()) return;
-    const auto image = render::paintToImage(list_, {host_.appearance(), 1});
+    if (composited_ || shownList_.ops.empty()) return;
+    const auto image = render::paintToImage(shownList_, {host_.appearance(), 1});
     cairo_region_t* region = gdk_cairo_region_create_from_surface(image.get());
     gtk_widget_shape_combine_region(GTK_WIDGET(gobj()), region);
     cairo_region_destroy(region);
 }
 
-// MW_HOST_SNAPSHOT_DIR: <id>.png as drawn (at the window's scale), then
-// <id>.json saying what it shows, so a test can draw the same and compare.
+// MW_HOST_SNAPSHOT_DIR: <id>.png, the widget as drawn at the window's scale
+// (before the window's corner mask), then <id>.json saying what it shows, so
+// a test can draw the same and compare.
 void WidgetWindow::writeSnapshot() const {
     const auto& dir = host_.snapshotDirectory();
     if (!dir || !timeline_ || shown_ >= timeline_->entries.size()) return;
@@ -208,6 +215,7 @@ void WidgetWindow::writeSnapshot() const {
     info["scale"] = scale;
     info["layerShell"] = layerShell_;
     info["composited"] = composited_;
+    info["cornerRadius"] = kWidgetCornerRadius;
     writeFileAtomically(*dir / (placed_.id + ".json"), info.dump(2) + "\n");
 }
 

@@ -4,11 +4,11 @@
 // or the reload date), draws the entry for now with the Cairo painter, opens
 // links on click, offers the context menu and can be dragged.
 
+#include <gtkmm.h>
+
 #include <cstdint>
 #include <memory>
 #include <optional>
-
-#include <gtkmm.h>
 
 #include "bundle/bundle.hpp"
 #include "host/placements.hpp"
@@ -20,7 +20,7 @@ class HostApplication;
 class EditWidgetDialog;
 
 class WidgetWindow : public Gtk::Window {
-public:
+  public:
     WidgetWindow(HostApplication& host, PlacedWidget placed, ResolvedPlacement resolved);
     ~WidgetWindow() override;
 
@@ -39,14 +39,14 @@ public:
     // Drops the snapshot files (the widget was removed).
     void removeSnapshot() const;
 
-protected:
+  protected:
     bool on_draw(const Cairo::RefPtr<Cairo::Context>& cr) override;
     bool on_button_press_event(GdkEventButton* event) override;
     bool on_button_release_event(GdkEventButton* event) override;
     bool on_motion_notify_event(GdkEventMotion* event) override;
     bool on_configure_event(GdkEventConfigure* event) override;
 
-private:
+  private:
     void placeOnDesktop();
     void applySize();
     void applyPosition();
@@ -69,7 +69,8 @@ private:
     std::optional<AnyTimeline> timeline_;
     std::size_t shown_ = 0;
     std::uint64_t builds_ = 0;
-    render::DisplayList list_;
+    render::DisplayList list_;       // the widget as laid out
+    render::DisplayList shownList_;  // …and masked to its rounded outline
     sigc::connection timer_;
 
     struct Press {
@@ -80,7 +81,7 @@ private:
         guint32 time = 0;
     };
     std::optional<Press> press_;
-    bool dragging_ = false;      // a drag is under way or has just ended
+    bool dragging_ = false;  // a drag is under way or has just ended
     sigc::connection positionSave_;
 
     Gtk::Menu menu_;

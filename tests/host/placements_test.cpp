@@ -1,12 +1,11 @@
 #include "host/placements.hpp"
 
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <fstream>
-
-#include <gtest/gtest.h>
 
 #include "support/temp_dir.hpp"
 
@@ -36,7 +35,8 @@ std::vector<std::filesystem::path> corruptCopies(const std::filesystem::path& di
 
 TEST(PlacementsFile, FollowsXDGConfigHomeThenHome) {
     EXPECT_EQ(placementsFile({"/cfg", "/home/u"}), std::filesystem::path("/cfg/meterwick/widgets.json"));
-    EXPECT_EQ(placementsFile({std::nullopt, "/home/u"}), std::filesystem::path("/home/u/.config/meterwick/widgets.json"));
+    EXPECT_EQ(placementsFile({std::nullopt, "/home/u"}),
+              std::filesystem::path("/home/u/.config/meterwick/widgets.json"));
     EXPECT_EQ(placementsFile({std::nullopt, std::nullopt}), std::nullopt);
 }
 
@@ -121,7 +121,8 @@ TEST(PlacementsStore, ABadFileThatCannotBeMovedIsNeitherMovedNorWritable) {
     std::filesystem::create_directory(dir / "locked");
     const auto file = dir / "locked" / "widgets.json";
     std::ofstream(file) << "nonsense";
-    std::filesystem::permissions(dir / "locked", std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
+    std::filesystem::permissions(dir / "locked",
+                                 std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
     const auto load = loadPlacements(file, kNow);
     std::filesystem::permissions(dir / "locked", std::filesystem::perms::owner_all);
     EXPECT_EQ(load.status, PlacementsStatus::corrupt);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "host/desktop.hpp"
+#include "host/widget_mask.hpp"
 
 namespace mw {
 namespace {
@@ -11,10 +12,14 @@ const Date t0 = *parseISO8601("2025-11-22T10:00:00Z");
 
 // An Accounts timeline built at t0 from data 10 minutes old: entries at
 // now, +15 min and the stale moment (+20 min), reload after 600 s.
-TimelineSchedule accountsTimeline() { return {{t0, t0 + 900, t0 + 1200}, t0 + 600}; }
+TimelineSchedule accountsTimeline() {
+    return {{t0, t0 + 900, t0 + 1200}, t0 + 600};
+}
 
 // Entries that outlive the reload date: the first switch comes after it.
-TimelineSchedule lookAheadTimeline() { return {{t0, t0 + 900, t0 + 1800}, t0 + 120}; }
+TimelineSchedule lookAheadTimeline() {
+    return {{t0, t0 + 900, t0 + 1800}, t0 + 120};
+}
 
 TEST(ScheduleStep, ShowsTheLatestEntryReachedAndWakesAtTheNextChange) {
     struct Case {
@@ -115,6 +120,25 @@ TEST(ContainerCandidate, NamesTheDirectoryEvenBeforeItExists) {
     EXPECT_EQ(containerCandidate({std::nullopt, std::nullopt, "/h"}),
               std::filesystem::path("/h/.local/share/meterwick/group.app.meterwick"));
     EXPECT_EQ(containerCandidate({}), std::nullopt);
+}
+
+TEST(WidgetMask, ClipsEverythingToTheRoundedOutlineAndKeepsTheLinks) {
+    render::DisplayList list;
+    list.size = {170, 170};
+    list.tapURL = "meterwick://open";
+    list.links = {{{10, 10, 50, 20}, "meterwick://tool/claude"}};
+    list.ops = {{{0, 0, 170, 170}, {}, 0, render::ShapeDraw{}}, {{10, 10, 50, 20}, {}, 0, render::LinkRegion{"x"}}};
+
+    const auto masked = maskedToWidgetShape(list);
+    ASSERT_EQ(masked.ops.size(), 4u);
+    const auto* clip = std::get_if<render::ClipBegin>(&masked.ops.front().item);
+    ASSERT_NE(clip, nullptr);
+    EXPECT_EQ(clip->shape, render::Shape::roundedRectangle(kWidgetCornerRadius));
+    EXPECT_EQ(masked.ops.front().frame, (render::Rect{0, 0, 170, 170}));
+    EXPECT_TRUE(std::holds_alternative<render::ClipEnd>(masked.ops.back().item));
+    EXPECT_EQ(std::vector(masked.ops.begin() + 1, masked.ops.end() - 1), list.ops);
+    EXPECT_EQ(masked.links, list.links);
+    EXPECT_EQ(render::urlAt(masked, {20, 15}), "meterwick://tool/claude");
 }
 
 }  // namespace
