@@ -84,6 +84,18 @@ TEST(SelfReport, ALinkAtTheReportPathIsReplacedNotFollowed) {
 TEST(SelfReport, ConcurrentWritersNeverLeaveAPartialReport) {
     TempDir dir;
     const std::string kinds[] = {"accounts", "accounts-limit", "dashboard", "focus", "sparkline"};
+    // Processes first: forking once threads run can leave a child stuck on
+    // a lock some other thread held at the time.
+    std::vector<pid_t> children;
+    for (int p = 0; p < 3; ++p) {
+        const pid_t pid = ::fork();
+        if (pid == 0) {
+            for (int i = 0; i < 50; ++i)
+                writeSelfReport(dir.path(), "focus", ReadStatus::ok, emptyPayload(), std::nullopt, kNow, kBundle);
+            ::_exit(0);
+        }
+        children.push_back(pid);
+    }
     std::atomic<bool> done{false};
     std::atomic<int> badReads{0};
     std::thread reader([&] {
@@ -99,17 +111,6 @@ TEST(SelfReport, ConcurrentWritersNeverLeaveAPartialReport) {
                 writeSelfReport(dir.path(), kinds[(t + i) % 5], ReadStatus::ok, emptyPayload(),
                                 std::string(200 * (t + 1), 'x'), kNow, kBundle);
         });
-    }
-    // And a few processes doing the same.
-    std::vector<pid_t> children;
-    for (int p = 0; p < 3; ++p) {
-        const pid_t pid = ::fork();
-        if (pid == 0) {
-            for (int i = 0; i < 50; ++i)
-                writeSelfReport(dir.path(), "focus", ReadStatus::ok, emptyPayload(), std::nullopt, kNow, kBundle);
-            ::_exit(0);
-        }
-        children.push_back(pid);
     }
     for (auto& w : writers) w.join();
     for (const pid_t pid : children) ::waitpid(pid, nullptr, 0);

@@ -40,7 +40,9 @@ View ringVariant(const WidgetToolSnapshot& s, const WidgetPayload& payload, Date
                 Text(upperCased(s.displayName))
                     .font(Font::system(9, Weight::semibold))
                     .tracking(0.6)
-                    .foreground(render::Color::secondary()),
+                    .foreground(render::Color::secondary())
+                    .lineLimit(1)
+                    .minimumScaleFactor(0.75),
                 Text(percentText(v) + (remaining ? " left" : ""))
                     .font(Font::system(28, Weight::bold, render::Design::rounded))
                     .foreground(render::Color::primary())
@@ -60,7 +62,9 @@ View textVariant(const WidgetToolSnapshot& s, const WidgetPayload& payload, Date
                    Text(upperCased(s.displayName))
                        .font(Font::system(10, Weight::semibold))
                        .tracking(0.6)
-                       .foreground(render::Color::secondary()),
+                       .foreground(render::Color::secondary())
+                       .lineLimit(1)
+                       .minimumScaleFactor(0.75),
                    Text(s.menuBarText)
                        .font(Font::system(28, Weight::bold, render::Design::rounded))
                        .monospacedDigit()
