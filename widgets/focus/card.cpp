@@ -71,15 +71,12 @@ View ringCentre(const WidgetUsageWindow& main, bool remaining, RingCentreSize si
                              .foreground(render::Color::secondary())
                              .lineLimit(1)
                              .minimumScaleFactor(0.8);
-    return render::VStack({figure, caption}, {.alignment = HAlign::center, .spacing = 0})
-        .frame(size.side, size.side);
+    return render::VStack({figure, caption}, {.alignment = HAlign::center, .spacing = 0}).frame(size.side, size.side);
 }
 
 View windowRow(const WidgetUsageWindow& window, Color brand, Date now, bool remaining) {
-    const View label = Text(window.label)
-                           .font(Font::system(9, Weight::semibold))
-                           .foreground(render::Color::secondary())
-                           .lineLimit(1);
+    const View label =
+        Text(window.label).font(Font::system(9, Weight::semibold)).foreground(render::Color::secondary()).lineLimit(1);
     const View percent = Text(percentText(shownPercent(window, remaining)))
                              .font(Font::system(13, Weight::bold, render::Design::rounded))
                              .monospacedDigit()
@@ -97,10 +94,10 @@ View windowRow(const WidgetUsageWindow& window, Color brand, Date now, bool rema
                     .foreground(toRender(resetLineColor(window)));
     }
     // The texts are sized before the spacer so that it, not the percent, gives way.
-    return render::VStack({render::HStack({label.layoutPriority(1), render::Spacer(4), percent.layoutPriority(1)},
-                                          {.spacing = 0}),
-                           reset},
-                          {.alignment = HAlign::leading, .spacing = 1});
+    return render::VStack(
+        {render::HStack({label.layoutPriority(1), render::Spacer(4), percent.layoutPriority(1)}, {.spacing = 0}),
+         reset},
+        {.alignment = HAlign::leading, .spacing = 1});
 }
 
 View paceLine(const WidgetUsageWindow& main, Date now, bool remaining) {
@@ -120,10 +117,10 @@ View quotaBody(const FocusCard& card, const std::vector<WidgetUsageWindow>& wind
     const WidgetUsageWindow& main = windows.front();
     const std::optional<WidgetUsageWindow> inner =
         windows.size() > 1 ? std::optional<WidgetUsageWindow>(windows[1]) : std::nullopt;
-    const View rings = body(PaceRings{.outer = main, .inner = inner, .brand = tool, .now = card.now,
-                                      .remaining = card.remaining})
-                           .frame(76, 76)
-                           .overlay(ringCentre(main, card.remaining, ringCentreSize(inner.has_value())));
+    const View rings =
+        body(PaceRings{.outer = main, .inner = inner, .brand = tool, .now = card.now, .remaining = card.remaining})
+            .frame(76, 76)
+            .overlay(ringCentre(main, card.remaining, ringCentreSize(inner.has_value())));
     std::vector<View> rows;
     for (const auto& w : windows) rows.push_back(windowRow(w, tool, card.now, card.remaining));
     const View column = render::VStack(std::move(rows), {.alignment = HAlign::leading, .spacing = 8})

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "model/accounts.hpp"
+#include "model/color.hpp"
 #include "payload/records.hpp"
 #include "platform/date.hpp"
-#include "model/color.hpp"
 #include "render/view.hpp"
 
 namespace mw {

@@ -13,7 +13,9 @@ long long percentValue(double percent) {
     return static_cast<long long>(std::clamp(percent, 0.0, 999.0));
 }
 
-std::string percentText(double percent) { return std::to_string(percentValue(percent)) + "%"; }
+std::string percentText(double percent) {
+    return std::to_string(percentValue(percent)) + "%";
+}
 
 std::string countdownText(double seconds) {
     if (std::isnan(seconds)) return "now";
@@ -85,17 +87,17 @@ void appendUTF8(std::string& out, char32_t cp) {
 // The simple (one-to-one) capital of the common alphabets; others unchanged.
 char32_t upperCase(char32_t c) {
     if (c >= U'a' && c <= U'z') return c - 0x20;
-    if (c == 0xB5) return 0x39C;                                     // micro sign → Greek capital mu
-    if ((c >= 0xE0 && c <= 0xFE) && c != 0xF7) return c - 0x20;      // à … þ, not ÷
-    if (c == 0xFF) return 0x178;                                     // ÿ
-    if (c >= 0x100 && c <= 0x137 && (c & 1)) return c - 1;           // Ā … ķ in pairs
-    if (c >= 0x139 && c <= 0x148 && !(c & 1)) return c - 1;          // Ĺ … ň
-    if (c >= 0x14A && c <= 0x177 && (c & 1)) return c - 1;           // Ŋ … ŷ
-    if (c == 0x17A || c == 0x17C || c == 0x17E) return c - 1;        // ź ż ž
-    if (c >= 0x3B1 && c <= 0x3C9 && c != 0x3C2) return c - 0x20;     // α … ω
-    if (c == 0x3C2) return 0x3A3;                                    // final sigma
-    if (c >= 0x430 && c <= 0x44F) return c - 0x20;                   // а … я
-    if (c >= 0x450 && c <= 0x45F) return c - 0x50;                   // ѐ … џ
+    if (c == 0xB5) return 0x39C;                                  // micro sign → Greek capital mu
+    if ((c >= 0xE0 && c <= 0xFE) && c != 0xF7) return c - 0x20;   // à … þ, not ÷
+    if (c == 0xFF) return 0x178;                                  // ÿ
+    if (c >= 0x100 && c <= 0x137 && (c & 1)) return c - 1;        // Ā … ķ in pairs
+    if (c >= 0x139 && c <= 0x148 && !(c & 1)) return c - 1;       // Ĺ … ň
+    if (c >= 0x14A && c <= 0x177 && (c & 1)) return c - 1;        // Ŋ … ŷ
+    if (c == 0x17A || c == 0x17C || c == 0x17E) return c - 1;     // ź ż ž
+    if (c >= 0x3B1 && c <= 0x3C9 && c != 0x3C2) return c - 0x20;  // α … ω
+    if (c == 0x3C2) return 0x3A3;                                 // final sigma
+    if (c >= 0x430 && c <= 0x44F) return c - 0x20;                // а … я
+    if (c >= 0x450 && c <= 0x45F) return c - 0x50;                // ѐ … џ
     return c;
 }
 

@@ -88,7 +88,8 @@ View focusView(const FocusEntry& entry, WidgetFamily /*family: both looks are th
     const auto snapshot = resolvedSnapshot(entry);
     if (!snapshot) return body(missingToolPanel(entry.payload, entry.readStatus, entry.chosen));
     if (entry.style == WidgetDetailStyle::enhanced)
-        return body(FocusCard{WidgetAccount{*snapshot}, entry.date, entry.payload.updatedAt, entry.payload.showRemaining});
+        return body(
+            FocusCard{WidgetAccount{*snapshot}, entry.date, entry.payload.updatedAt, entry.payload.showRemaining});
     return focusClassicView(*snapshot, entry.payload, entry.date);
 }
 
