@@ -22,8 +22,7 @@ std::string compactCount(std::int64_t value);
 // Dollars and cents, the dollars grouped, rounded to the cent with halves
 // away from zero: 14.375 → "$14.38", 1284.5 → "$1,284.50", -3.5 → "-$3.50".
 // A cost too large for whole cents is written with its power of ten
-// ("$1.2e20");
-// not-a-number and infinities read "—".
+// ("$1.2e20"); not-a-number and infinities read "—".
 std::string dollarText(double value);
 
 // The same in the compact form: "$402.18" stays, 12840.5 → "$12.8K".
