@@ -17,8 +17,8 @@ using render::HStack;
 using render::Spacer;
 using render::Text;
 using render::VAlign;
-using render::VStack;
 using render::View;
+using render::VStack;
 using render::Weight;
 
 namespace {
@@ -26,7 +26,7 @@ namespace {
 // Data this old (seconds) shows its age in the header.
 constexpr double kAgeShownAfter = 300;
 
-constexpr double kRowSpacing = 6;
+constexpr double kRowSpacing = 8;
 constexpr double kCompactRowSpacing = 5;
 constexpr double kColumnSpacing = 22;
 
@@ -37,13 +37,16 @@ View overflowNote(std::size_t hidden) {
         .lineLimit(1);
 }
 
+// Both groups are sized before the spacer between them, so in a narrow widget
+// the spacer gives way rather than the texts.
 View header(const AccountsBoard& board, std::size_t hidden) {
     const bool trailing = hidden > 0 || showsDataAge(board.now, board.updatedAt);
     View trailingGroup;
     if (trailing) {
-        trailingGroup = HStack({hidden > 0 ? overflowNote(hidden) : View(),
-                                body(FreshnessMark{board.now, board.updatedAt, false})},
-                               {.alignment = VAlign::center, .spacing = 6});
+        trailingGroup =
+            HStack({hidden > 0 ? overflowNote(hidden) : View(), body(FreshnessMark{board.now, board.updatedAt, false})},
+                   {.alignment = VAlign::center, .spacing = 6})
+                .layoutPriority(1);
     }
     if (board.family == WidgetFamily::systemMedium) {
         if (!trailing) return {};
@@ -51,7 +54,8 @@ View header(const AccountsBoard& board, std::size_t hidden) {
     }
     View title = HStack({Text("Usage").font(Font::system(12, Weight::bold)).lineLimit(1),
                          hidden > 0 ? overflowNote(hidden) : View()},
-                        {.alignment = VAlign::center, .spacing = 7});
+                        {.alignment = VAlign::center, .spacing = 7})
+                     .layoutPriority(1);
     return HStack({title, trailing ? Spacer() : View(), trailingGroup}, {.alignment = VAlign::center, .spacing = 7});
 }
 
@@ -60,7 +64,9 @@ View linked(View row, const WidgetAccount& account) {
 }
 
 View rowView(const AccountsBoard& board, const WidgetAccount& account) {
-    if (board.family == WidgetFamily::systemMedium) return linked(body(CompactAccountRow{account, board.now, board.remaining}), account);
+    if (board.family == WidgetFamily::systemMedium) {
+        return linked(body(CompactAccountRow{account, board.now, board.remaining}), account);
+    }
     return linked(body(AccountRow{account, board.now, board.remaining, 86}), account);
 }
 
@@ -88,10 +94,18 @@ std::vector<View> rowBlocks(const AccountsBoard& board, std::size_t shown) {
 std::size_t visibleRowCount(WidgetFamily family, std::size_t accountCount) {
     std::size_t fits = 1, cap = 0;
     switch (family) {
-        case WidgetFamily::systemMedium: fits = 5, cap = 4; break;
-        case WidgetFamily::systemLarge: fits = 7, cap = 6; break;
-        case WidgetFamily::systemExtraLarge: fits = 12, cap = 11; break;
-        case WidgetFamily::systemSmall: fits = 1, cap = 0; break;
+        case WidgetFamily::systemMedium:
+            fits = 5, cap = 4;
+            break;
+        case WidgetFamily::systemLarge:
+            fits = 7, cap = 6;
+            break;
+        case WidgetFamily::systemExtraLarge:
+            fits = 12, cap = 11;
+            break;
+        case WidgetFamily::systemSmall:
+            fits = 1, cap = 0;
+            break;
     }
     return accountCount <= fits ? accountCount : cap;
 }
@@ -103,11 +117,17 @@ std::size_t insightLineCount(WidgetFamily family, std::size_t rowsShown) {
     return used >= 14 ? 0 : std::min<std::size_t>(14 - used, 3);
 }
 
-std::string overflowNoteText(std::size_t hiddenCount) { return "+" + std::to_string(hiddenCount) + " more"; }
+std::string overflowNoteText(std::size_t hiddenCount) {
+    return "+" + std::to_string(hiddenCount) + " more";
+}
 
-bool showsDataAge(Date now, Date updatedAt) { return now - updatedAt >= kAgeShownAfter; }
+bool showsDataAge(Date now, Date updatedAt) {
+    return now - updatedAt >= kAgeShownAfter;
+}
 
-std::string accountLinkURL(const WidgetAccount& account) { return toolLinkURL(accountKey(account)); }
+std::string accountLinkURL(const WidgetAccount& account) {
+    return toolLinkURL(accountKey(account));
+}
 
 View body(const AccountsBoard& board) {
     const bool medium = board.family == WidgetFamily::systemMedium;
@@ -118,9 +138,9 @@ View body(const AccountsBoard& board) {
     if (const std::size_t count = insightLineCount(board.family, shown); count > 0) {
         rows.push_back(body(InsightsFooter{insights(board.accounts, board.now), count}).padding(Edge::top, 2));
     }
-    View rowStack = VStack(std::move(rows), {.alignment = HAlign::leading,
-                                             .spacing = medium ? kCompactRowSpacing : kRowSpacing})
-                        .frame(Frame::maxInfinity(Alignment::topLeading()));
+    View rowStack =
+        VStack(std::move(rows), {.alignment = HAlign::leading, .spacing = medium ? kCompactRowSpacing : kRowSpacing})
+            .frame(Frame::maxInfinity(Alignment::topLeading()));
 
     return VStack({header(board, hidden), rowStack}, {.alignment = HAlign::leading, .spacing = medium ? 0.0 : 9.0})
         .frame(Frame::maxInfinity(Alignment::topLeading()));

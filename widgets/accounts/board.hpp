@@ -16,8 +16,8 @@ namespace mw {
 struct AccountsBoard {
     std::vector<WidgetAccount> accounts;  // in display order
     WidgetFamily family = WidgetFamily::systemMedium;
-    Date now;            // the entry's date
-    Date updatedAt;      // the payload's
+    Date now;                // the entry's date
+    Date updatedAt;          // the payload's
     bool remaining = false;  // figures as room left rather than used
     bool operator==(const AccountsBoard&) const = default;
 };

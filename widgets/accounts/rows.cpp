@@ -20,8 +20,8 @@ using render::Image;
 using render::Spacer;
 using render::Text;
 using render::VAlign;
-using render::VStack;
 using render::View;
+using render::VStack;
 using render::Weight;
 
 namespace {
@@ -68,7 +68,7 @@ View nameColumn(const AccountRow& row, const Color& brand) {
                         .font(Font::system(11, Weight::semibold))
                         .foreground(render::Color::primary())
                         .lineLimit(1)
-                        .minimumScaleFactor(0.8);
+                        .minimumScaleFactor(0.9);
     View account;
     if (titles.account) {
         account = Text(*titles.account)
@@ -94,10 +94,8 @@ View resetLine(const WidgetUsageWindow& window, Date now) {
 }
 
 View windowColumn(const WidgetUsageWindow& window, const Color& brand, Date now, bool remaining) {
-    View label = Text(window.label)
-                     .font(Font::system(9, Weight::medium))
-                     .foreground(render::Color::secondary())
-                     .lineLimit(1);
+    View label =
+        Text(window.label).font(Font::system(9, Weight::medium)).foreground(render::Color::secondary()).lineLimit(1);
     View figure = Text(percentText(window, remaining))
                       .font(Font::system(12, Weight::semibold))
                       .monospacedDigit()
@@ -136,10 +134,8 @@ constexpr double kCompactBarWidth = 54;
 
 // "5h 62%": the label small and dim, the figure in the window's fill colour.
 View compactFigure(const WidgetUsageWindow& window, const Color& brand, Date now, bool remaining) {
-    View label = Text(window.label)
-                     .font(Font::system(8.5, Weight::medium))
-                     .foreground(render::Color::tertiary())
-                     .lineLimit(1);
+    View label =
+        Text(window.label).font(Font::system(8.5, Weight::medium)).foreground(render::Color::tertiary()).lineLimit(1);
     View figure = Text(percentText(window, remaining))
                       .font(Font::system(11, Weight::semibold))
                       .monospacedDigit()
@@ -155,12 +151,13 @@ View compactName(const WidgetAccount& account) {
     View provider = Text(titles.provider)
                         .font(Font::system(11, Weight::semibold))
                         .foreground(render::Color::primary())
-                        .lineLimit(1)
-                        .layoutPriority(1);
+                        .lineLimit(1);
     View rest;
     if (titles.account) {
         rest = Text(*titles.account).font(Font::system(10)).foreground(render::Color::secondary()).lineLimit(1);
     }
+    // Neither title outranks the other: the shorter one keeps its full width
+    // when it fits in half the room, and the longer one is cut.
     return fillWidth(HStack({provider, rest}, {.alignment = VAlign::center, .spacing = 4}));
 }
 
@@ -193,9 +190,12 @@ std::optional<std::string> resetText(const WidgetUsageWindow& window, Date now) 
 
 std::string insightSymbol(WidgetInsightKind kind) {
     switch (kind) {
-        case WidgetInsightKind::runsOut: return "flame";
-        case WidgetInsightKind::nextReset: return "arrow.clockwise";
-        case WidgetInsightKind::headroom: return "gauge";
+        case WidgetInsightKind::runsOut:
+            return "flame";
+        case WidgetInsightKind::nextReset:
+            return "arrow.clockwise";
+        case WidgetInsightKind::headroom:
+            return "gauge";
     }
     return "info.circle";
 }
