@@ -33,8 +33,11 @@ void from_json(const nlohmann::json& j, std::int64_t& value) {
         value = static_cast<std::int64_t>(u);
     } else if (j.is_number_float()) {
         // An integral float such as 3.0 is an integer; 3.5 or 1e30 is not.
+        // -2^63 itself is refused here: integers written just below it
+        // (-2^63 - 1 and on) overflow the parser's integers and round to
+        // exactly that double. Written as an integer, -2^63 never gets here.
         const double d = j.get<double>();
-        if (!(d >= -9223372036854775808.0 && d < 9223372036854775808.0) || std::trunc(d) != d)
+        if (!(d > -9223372036854775808.0 && d < 9223372036854775808.0) || std::trunc(d) != d)
             throw json::DecodeError("number is not a 64-bit integer");
         value = static_cast<std::int64_t>(d);
     } else {

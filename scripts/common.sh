@@ -11,6 +11,7 @@ MW_PACKAGES=(
   libgtest-dev libgmock-dev libbenchmark-dev
   libgtkmm-3.0-dev libgtk-layer-shell-dev libglib2.0-bin
   xvfb xauth xdotool dbus-daemon dbus-x11
+  clang libclang-rt-14-dev
 )
 
 mw_install_missing() {

@@ -1,0 +1,77 @@
+#!/usr/bin/env bash
+# Resident memory of the desktop host with all five widgets placed and drawn,
+# its timer wake-ups over a short idle stretch, and the same memory figures for
+# a minimal GTK program with five windows (bench/floor/gtk_windows.cpp), on
+# one virtual X server with a private session bus. Prints "key value" lines
+# for the benchmark report:
+#
+#   host_rss_kb host_hwm_kb host_anon_kb host_file_kb host_pss_kb
+#   idle_seconds timer_wakeups
+#   floor_rss_kb floor_hwm_kb floor_anon_kb floor_file_kb   (when the floor is built)
+#
+#   bench/host/rss.sh BUILD_DIR [IDLE_SECONDS]     (default idle: 5)
+#
+# METERWICK_CONTAINER, when set to a directory, is the container the widgets
+# read (it should hold a fresh payload); otherwise `demo` writes one.
+# Exit status 77 when xvfb-run or dbus-run-session is missing.
+set -euo pipefail
+
+build="${1:?usage: rss.sh BUILD_DIR [IDLE_SECONDS]}"
+idle="${2:-5}"
+cli="$build/app/meterwick-widgets"
+host="$build/app/host/meterwick-widget-host"
+floor="$build/bench/floor/mw_floor_gtk"
+for tool in xvfb-run dbus-run-session gdbus; do
+  command -v "$tool" >/dev/null || { echo "rss.sh: $tool is not installed" >&2; exit 77; }
+done
+[ -x "$host" ] && [ -x "$cli" ] || { echo "rss.sh: build $build first" >&2; exit 1; }
+
+if [ -z "${MW_RSS_SESSION:-}" ]; then
+  exec timeout -k 5 $((idle + 90)) xvfb-run -a -s '-screen 0 1920x1200x24' \
+    dbus-run-session -- env MW_RSS_SESSION=1 NO_AT_BRIDGE=1 "$0" "$build" "$idle"
+fi
+
+work="$(mktemp -d)"
+pid=""
+trap '[ -n "$pid" ] && { kill "$pid" 2>/dev/null; wait "$pid" 2>/dev/null; }; rm -rf "$work"' EXIT
+export XDG_CONFIG_HOME="$work/config"
+if [ -z "${METERWICK_CONTAINER:-}" ] || [ ! -d "$METERWICK_CONTAINER" ]; then
+  export METERWICK_CONTAINER="$work/demo/container"
+  "$cli" demo --output "$work/demo" >/dev/null
+fi
+"$cli" place focus --at 0,0 >/dev/null
+"$cli" place accounts --family systemLarge --at 180,0 >/dev/null
+"$cli" place accounts-limit --family systemMedium --at 560,0 >/dev/null
+"$cli" place sparkline --at 560,180 >/dev/null
+"$cli" place dashboard --family systemExtraLarge --at 0,400 >/dev/null
+
+"$host" 2>"$work/host.log" &
+pid=$!
+status() {
+  gdbus call --session --dest app.meterwick.WidgetHost --object-path /app/meterwick/WidgetHost \
+    --method app.meterwick.WidgetHost.Status
+}
+field() { sed -n "s/.*'$1': <\(uint[0-9]* \)\{0,1\}\([0-9]*\)>.*/\2/p"; }
+for _ in $(seq 150); do
+  [ "$(status 2>/dev/null | field widgets)" = 5 ] && break
+  sleep 0.1
+done
+[ "$(status 2>/dev/null | field widgets)" = 5 ] || { echo "rss.sh: the host did not show five widgets" >&2; cat "$work/host.log" >&2; exit 1; }
+sleep 2  # let the first frames settle, as idle.sh does
+
+before="$(status)"
+sleep "$idle"
+after="$(status)"
+echo "host_rss_kb $(awk '/^VmRSS/ {print $2}' "/proc/$pid/status")"
+echo "host_hwm_kb $(awk '/^VmHWM/ {print $2}' "/proc/$pid/status")"
+echo "host_anon_kb $(awk '/^RssAnon/ {print $2}' "/proc/$pid/status")"
+echo "host_file_kb $(awk '/^RssFile/ {print $2}' "/proc/$pid/status")"
+echo "host_pss_kb $(awk '/^Pss:/ {print $2}' "/proc/$pid/smaps_rollup" 2>/dev/null || echo 0)"
+echo "idle_seconds $idle"
+echo "timer_wakeups $(( $(echo "$after" | field timerWakeUps) - $(echo "$before" | field timerWakeUps) ))"
+kill "$pid"; wait "$pid" 2>/dev/null || true; pid=""
+
+# The floor runs alone on the same display, after the host has gone.
+if [ -x "$floor" ]; then
+  "$floor" | sed 's/^/floor_/'
+fi

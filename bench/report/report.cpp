@@ -1,0 +1,369 @@
+// The benchmark report: runs the Google Benchmark programs, times whole
+// `meterwick-widgets` processes, measures the desktop host's memory, and
+// prints one table in which every measurement stands next to its floor (what
+// the same job costs at the least) and the ratio of the two.
+//
+//   mw_bench_report [--quick] [--build DIR] [--source DIR] [--runs N] [--no-host]
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "bench/report/table.hpp"
+#include "payload/codec.hpp"
+#include "payload/sample.hpp"
+#include "payload/store.hpp"
+#include "platform/clock.hpp"
+#include "platform/date.hpp"
+
+extern char** environ;
+
+namespace mw::bench {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Settings {
+    fs::path build = MW_BENCH_BUILD_DIR;
+    fs::path source = MW_BENCH_SOURCE_DIR;
+    bool quick = false;
+    bool host = true;
+    int runs = 21;
+};
+
+// ---- child processes ------------------------------------------------------
+
+struct ChildResult {
+    int status = -1;      // exit status, or -1 when it did not exit normally
+    double wallMS = 0;    // spawn to reaped
+    double maxRSSKB = 0;  // the child's peak resident memory
+};
+
+// Runs `argv` with stdout to `out` (or /dev/null) and stderr to /dev/null.
+std::optional<ChildResult> runChild(const std::vector<std::string>& args, const fs::path& out = "/dev/null") {
+    std::vector<char*> argv;
+    for (const auto& a : args) argv.push_back(const_cast<char*>(a.c_str()));
+    argv.push_back(nullptr);
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+
+    const auto start = std::chrono::steady_clock::now();
+    pid_t pid = 0;
+    const int error = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    if (error != 0) return std::nullopt;
+
+    int status = 0;
+    rusage usage{};
+    while (wait4(pid, &status, 0, &usage) < 0)
+        if (errno != EINTR) return std::nullopt;
+    const auto end = std::chrono::steady_clock::now();
+    return ChildResult{WIFEXITED(status) ? WEXITSTATUS(status) : -1,
+                       std::chrono::duration<double, std::milli>(end - start).count(),
+                       static_cast<double>(usage.ru_maxrss)};
+}
+
+struct ProcessFigures {
+    std::optional<double> wallMS;    // median over the runs
+    std::optional<double> maxRSSKB;  // median over the runs
+};
+
+// A few warm-up runs (page cache, fontconfig's cache), then the median of
+// `runs`. Nothing when the program fails.
+ProcessFigures timeProcess(const std::vector<std::string>& args, int runs) {
+    for (int i = 0; i < 2; ++i) {
+        const auto r = runChild(args);
+        if (!r || r->status != 0) {
+            std::fprintf(stderr, "  %s failed\n", args.front().c_str());
+            return {};
+        }
+    }
+    std::vector<double> wall;
+    std::vector<double> rss;
+    for (int i = 0; i < runs; ++i) {
+        const auto r = runChild(args);
+        if (!r || r->status != 0) return {};
+        wall.push_back(r->wallMS);
+        rss.push_back(r->maxRSSKB);
+    }
+    return {median(wall), median(rss)};
+}
+
+// ---- Google Benchmark results ---------------------------------------------
+
+// Time per iteration in microseconds by run name ("BM_Decode/10"). With
+// repetitions, the median; CPU time, since the programs are single-threaded
+// and the machine may be busy with other work.
+using BenchTimes = std::map<std::string, double>;
+
+double toMicroseconds(double value, const std::string& unit) {
+    if (unit == "ns") return value / 1000;
+    if (unit == "ms") return value * 1000;
+    if (unit == "s") return value * 1e6;
+    return value;
+}
+
+BenchTimes readBenchmarkJSON(const fs::path& file) {
+    BenchTimes times;
+    std::ifstream in(file);
+    const auto doc = nlohmann::json::parse(in, nullptr, false);
+    if (doc.is_discarded() || !doc.contains("benchmarks")) return times;
+    std::map<std::string, double> medians;
+    for (const auto& b : doc["benchmarks"]) {
+        const std::string name = b.value("run_name", b.value("name", ""));
+        const double us = toMicroseconds(b.value("cpu_time", 0.0), b.value("time_unit", "ns"));
+        if (b.value("run_type", "") == "aggregate") {
+            if (b.value("aggregate_name", "") == "median") medians[name] = us;
+        } else if (!times.contains(name)) {
+            times[name] = us;  // the first repetition, until a median replaces it
+        }
+    }
+    for (const auto& [name, us] : medians) times[name] = us;
+    return times;
+}
+
+BenchTimes runBenchmarks(const Settings& settings, const fs::path& program, const fs::path& scratch) {
+    if (!fs::exists(program)) {
+        std::fprintf(stderr, "  %s is not built\n", program.c_str());
+        return {};
+    }
+    const fs::path out = scratch / (program.filename().string() + ".json");
+    std::vector<std::string> args{program.string(), "--benchmark_out=" + out.string(), "--benchmark_out_format=json"};
+    if (settings.quick) {
+        args.push_back("--benchmark_min_time=0.02");
+    } else {
+        args.push_back("--benchmark_min_time=0.2");
+        args.push_back("--benchmark_repetitions=3");
+        args.push_back("--benchmark_report_aggregates_only=true");
+    }
+    const auto r = runChild(args);
+    if (!r || r->status != 0) std::fprintf(stderr, "  %s failed\n", program.c_str());
+    return readBenchmarkJSON(out);
+}
+
+std::optional<double> lookup(const BenchTimes& times, const std::string& name, double divisor = 1) {
+    if (const auto it = times.find(name); it != times.end()) return it->second / divisor;
+    return std::nullopt;
+}
+
+std::optional<double> kbToMB(std::optional<double> kb) {
+    if (!kb) return std::nullopt;
+    return *kb / 1024;
+}
+
+// ---- the host -------------------------------------------------------------
+
+std::map<std::string, double> measureHost(const Settings& settings, const fs::path& scratch) {
+    std::map<std::string, double> values;
+    const fs::path script = settings.source / "bench/host/rss.sh";
+    const fs::path out = scratch / "host.txt";
+    const auto r = runChild({"bash", script.string(), settings.build.string(), settings.quick ? "2" : "10"}, out);
+    if (!r || (r->status != 0 && r->status != 77)) std::fprintf(stderr, "  host measurement failed\n");
+    if (r && r->status == 77) std::fprintf(stderr, "  xvfb-run or dbus-run-session is missing: no host figures\n");
+    std::ifstream in(out);
+    std::string key;
+    double value = 0;
+    while (in >> key >> value) values[key] = value;
+    return values;
+}
+
+std::optional<double> get(const std::map<std::string, double>& values, const std::string& key, double divisor = 1) {
+    if (const auto it = values.find(key); it != values.end()) return it->second / divisor;
+    return std::nullopt;
+}
+
+// ---- the report -----------------------------------------------------------
+
+struct WidgetShape {
+    const char* kind;
+    const char* family;
+};
+
+// Every widget in every family it comes in (drawn in process), and for the
+// whole-process runs each widget at its largest family, plus the common
+// systemLarge accounts board.
+constexpr WidgetShape kDrawn[] = {
+    {"focus", "systemSmall"},
+    {"accounts", "systemMedium"},
+    {"accounts", "systemLarge"},
+    {"accounts", "systemExtraLarge"},
+    {"accounts-limit", "systemMedium"},
+    {"accounts-limit", "systemLarge"},
+    {"accounts-limit", "systemExtraLarge"},
+    {"sparkline", "systemMedium"},
+    {"dashboard", "systemLarge"},
+    {"dashboard", "systemExtraLarge"},
+};
+constexpr WidgetShape kProcesses[] = {
+    {"focus", "systemSmall"},         {"accounts", "systemLarge"},
+    {"accounts", "systemExtraLarge"}, {"accounts-limit", "systemExtraLarge"},
+    {"sparkline", "systemMedium"},    {"dashboard", "systemExtraLarge"},
+};
+constexpr const char* kKinds[] = {"focus", "accounts", "accounts-limit", "sparkline", "dashboard"};
+
+std::optional<Settings> parseArguments(int argc, char** argv) {
+    Settings s;
+    for (int i = 1; i < argc; ++i) {
+        const std::string a = argv[i];
+        const bool hasValue = i + 1 < argc;
+        if (a == "--quick") {
+            s.quick = true;
+            s.runs = 7;
+        } else if (a == "--no-host") {
+            s.host = false;
+        } else if (a == "--build" && hasValue) {
+            s.build = argv[++i];
+        } else if (a == "--source" && hasValue) {
+            s.source = argv[++i];
+        } else if (a == "--runs" && hasValue) {
+            s.runs = std::max(1, std::atoi(argv[++i]));
+        } else {
+            std::fprintf(stderr, "usage: %s [--quick] [--build DIR] [--source DIR] [--runs N] [--no-host]\n", argv[0]);
+            return std::nullopt;
+        }
+    }
+    return s;
+}
+
+int run(const Settings& settings) {
+    std::string pattern = (fs::temp_directory_path() / "mw-bench-report-XXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr) {
+        std::perror("mkdtemp");
+        return 1;
+    }
+    const fs::path scratch = pattern;
+    const fs::path container = scratch / "container";
+    fs::create_directories(container);
+
+    // A fresh sample payload: the processes get the same "now" with --now,
+    // the host reads it with the clock, a moment later.
+    const Date now{std::floor(systemNow().seconds)};
+    std::ofstream(container / kPayloadFileName, std::ios::binary) << encodePayload(samplePayload(now));
+    setenv("METERWICK_CONTAINER", container.c_str(), 1);
+    const std::string nowText = formatISO8601(now);
+
+    const fs::path b = settings.build;
+    std::fprintf(stderr, "benchmarks…\n");
+    const auto payload = runBenchmarks(settings, b / "bench/payload/mw_bench_payload", scratch);
+    const auto timeline = runBenchmarks(settings, b / "bench/timeline/mw_timeline_bench", scratch);
+    const auto widgets = runBenchmarks(settings, b / "bench/widgets/mw_widget_bench", scratch);
+
+    std::fprintf(stderr, "processes (median of %d runs)…\n", settings.runs);
+    const std::string cli = (b / "app/meterwick-widgets").string();
+    const auto trueRun = timeProcess({"/bin/true"}, settings.runs);
+    const auto pangoRun = timeProcess({(b / "bench/floor/mw_floor_pango").string()}, settings.runs);
+    const auto timelineRun = timeProcess({cli, "--now", nowText, "timeline", "accounts"}, settings.runs);
+    std::vector<ProcessFigures> renderRuns;
+    for (const auto& w : kProcesses)
+        renderRuns.push_back(timeProcess({cli, "--now", nowText, "render", w.kind, "--family", w.family, "--scale", "2",
+                                          "--output", (scratch / "render.png").string()},
+                                         settings.runs));
+
+    std::map<std::string, double> host;
+    if (settings.host) {
+        std::fprintf(stderr, "desktop host under Xvfb…\n");
+        host = measureHost(settings, scratch);
+    }
+
+    Table table;
+    table.section("payload decode (floor: nlohmann::json::parse of the same bytes)");
+    for (const int tools : {1, 10, 100}) {
+        const std::string arg = std::string("/").append(std::to_string(tools));
+        const auto bare = lookup(payload, "BM_BareParse" + arg);
+        const std::string what = std::to_string(tools) + (tools == 1 ? " tool" : " tools");
+        table.row("decode, " + what, lookup(payload, "BM_Decode" + arg), "us", bare);
+        table.row("WidgetStore::load (read + decode), " + what, lookup(payload, "BM_StoreLoad" + arg), "us", bare);
+    }
+
+    table.section("timeline build, sample payload (floor: WidgetStore::load alone)");
+    const auto load = lookup(timeline, "BM_Load");
+    for (const auto* kind : kKinds)
+        table.row(std::string("timeline ") + kind, lookup(timeline, std::string("BM_Timeline/") + kind), "us", load);
+
+    table.section("layout + paint at scale 2, warm text cache (floor: layout alone)");
+    for (const auto& w : kDrawn) {
+        const std::string name = std::string(w.kind) + "/" + w.family;
+        table.row(std::string(w.kind) + " " + w.family, lookup(widgets, "BM_LayoutPaint/" + name, 1000), "ms",
+                  lookup(widgets, "BM_Layout/" + name, 1000));
+    }
+    table.section("PNG encoding, accounts systemLarge 728x764 px (floor: copying the pixels)");
+    const auto copy = lookup(widgets, "BM_CopyPixels/accounts/systemLarge", 1000);
+    table.row("encodePNG", lookup(widgets, "BM_EncodePNG/accounts/systemLarge", 1000), "ms", copy);
+    table.row("Cairo's PNG writer, for comparison", lookup(widgets, "BM_EncodePNGCairo/accounts/systemLarge", 1000),
+              "ms", copy);
+
+    table.section("whole process, wall time (floors: /bin/true; Pango start-up for render)");
+    table.row("/bin/true", trueRun.wallMS, "ms", std::nullopt);
+    table.row("Pango start-up (font map, one line)", pangoRun.wallMS, "ms", trueRun.wallMS);
+    table.row("meterwick-widgets timeline accounts", timelineRun.wallMS, "ms", trueRun.wallMS);
+    for (std::size_t i = 0; i < std::size(kProcesses); ++i)
+        table.row(std::string("render ") + kProcesses[i].kind + " " + kProcesses[i].family + " @2x",
+                  renderRuns[i].wallMS, "ms", pangoRun.wallMS);
+
+    table.section("peak memory, max RSS of the process (floor: Pango start-up)");
+    table.row("Pango start-up", kbToMB(pangoRun.maxRSSKB), "MB", std::nullopt);
+    table.row("meterwick-widgets timeline accounts", kbToMB(timelineRun.maxRSSKB), "MB", kbToMB(pangoRun.maxRSSKB));
+    for (std::size_t i = 0; i < std::size(kProcesses); ++i)
+        table.row(std::string("render ") + kProcesses[i].kind + " " + kProcesses[i].family + " @2x",
+                  kbToMB(renderRuns[i].maxRSSKB), "MB", kbToMB(pangoRun.maxRSSKB));
+
+    if (settings.host) {
+        table.section("desktop host, five widgets placed and drawn, Xvfb (floor: GTK program, five windows)");
+        const auto floorRSS = get(host, "floor_rss_kb", 1024);
+        table.row("host VmRSS", get(host, "host_rss_kb", 1024), "MB", floorRSS);
+        table.row("host VmHWM (peak)", get(host, "host_hwm_kb", 1024), "MB", get(host, "floor_hwm_kb", 1024));
+        table.row("  of VmRSS: anonymous (RssAnon)", get(host, "host_anon_kb", 1024), "MB",
+                  get(host, "floor_anon_kb", 1024));
+        table.row("  of VmRSS: mapped files (RssFile)", get(host, "host_file_kb", 1024), "MB",
+                  get(host, "floor_file_kb", 1024));
+        table.row("host Pss (shared libraries by share)", get(host, "host_pss_kb", 1024), "MB", std::nullopt);
+        table.row("GTK floor VmRSS", floorRSS, "MB", std::nullopt);
+        table.row("host timer wake-ups in " + std::to_string(static_cast<int>(get(host, "idle_seconds").value_or(0))) +
+                      " s idle",
+                  get(host, "timer_wakeups"), "", std::nullopt);
+    }
+
+    std::fputs(table.render().c_str(), stdout);
+
+    // The one fixed target among these figures.
+    if (const auto rss = get(host, "host_rss_kb", 1024)) {
+        std::printf("\ntarget: host resident memory under 30 MB: %s (%.1f MB)\n", *rss < 30 ? "met" : "missed", *rss);
+        if (const auto wakeups = get(host, "timer_wakeups"))
+            std::printf("target: no timer wake-ups between entry dates: %s (%.0f)\n", *wakeups == 0 ? "met" : "missed",
+                        *wakeups);
+    }
+
+    std::error_code ignored;
+    fs::remove_all(scratch, ignored);
+    return 0;
+}
+
+}  // namespace
+}  // namespace mw::bench
+
+int main(int argc, char** argv) {
+    const auto settings = mw::bench::parseArguments(argc, argv);
+    if (!settings) return 2;
+    return mw::bench::run(*settings);
+}

@@ -1,0 +1,53 @@
+// The `--set NAME=VALUE` parser on arbitrary assignments (one per line; the
+// first byte picks the widget's intent): it accepts or explains, never both,
+// and what it accepts names only the intent's own parameters.
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "config/intents.hpp"
+#include "fuzz/fuzz.hpp"
+
+namespace {
+
+const mw::IntentDescription& pick(std::uint8_t byte) {
+    switch (byte % 4) {
+        case 0: return mw::AccountsLimitWidgetIntent::description();
+        case 1: return mw::FocusWidgetIntent::description();
+        case 2: return mw::SparklineWidgetIntent::description();
+        default: return mw::DashboardWidgetIntent::description();
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size == 0) return 0;
+    const auto& intent = pick(data[0]);
+    std::vector<std::string> assignments;
+    std::string current;
+    for (std::size_t i = 1; i < size; ++i) {
+        if (data[i] == '\n') {
+            assignments.push_back(current);
+            current.clear();
+        } else {
+            current += static_cast<char>(data[i]);
+        }
+    }
+    if (!current.empty()) assignments.push_back(current);
+
+    const auto parsed = mw::parseIntentParameters(intent, assignments);
+    MW_FUZZ_CHECK(parsed.value.has_value() == parsed.error.empty());
+    if (!parsed) return 0;
+    MW_FUZZ_CHECK(parsed.value->size() == assignments.size());
+    for (const auto& [name, value] : *parsed.value) {
+        const bool known = std::any_of(intent.parameters.begin(), intent.parameters.end(),
+                                       [&](const mw::IntentParameter& p) { return p.name == name; });
+        MW_FUZZ_CHECK(known);
+    }
+    return 0;
+}
