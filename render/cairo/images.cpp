@@ -48,16 +48,19 @@ struct Loaded {
 // A file that failed to load is remembered as empty so that it is not retried.
 class ImageCache {
 public:
-    const Loaded& get(const std::string& path, double strokeWidth) {
+    // `color` (an RGBA hex, or empty) replaces the icons' currentColor.
+    const Loaded& get(const std::string& path, double strokeWidth, const std::string& color) {
         std::lock_guard lock(mutex_);
-        const std::string key = path + "|" + std::to_string(strokeWidth);
+        char widthText[32];
+        std::snprintf(widthText, sizeof widthText, "|%.2f|", strokeWidth);
+        const std::string key = path + widthText + color;
         auto it = cache_.find(key);
         if (it != cache_.end()) return it->second;
-        return cache_.emplace(key, load(path, strokeWidth)).first->second;
+        return cache_.emplace(key, load(path, strokeWidth, color)).first->second;
     }
 
 private:
-    static Loaded load(const std::string& path, double strokeWidth) {
+    static Loaded load(const std::string& path, double strokeWidth, const std::string& color) {
         Loaded out;
         if (path.size() > 4 && path.ends_with(".png")) {
             cairo_surface_t* s = cairo_image_surface_create_from_png(path.c_str());
@@ -81,6 +84,20 @@ private:
                 char repl[40];
                 std::snprintf(repl, sizeof repl, "stroke-width=\"%.2f\"", strokeWidth);
                 data.replace(pos, from.size(), repl);
+            }
+        }
+        if (color.size() == 9) {  // "#RRGGBBAA"
+            const std::string rgb = color.substr(0, 7);
+            for (auto pos = data.find("currentColor"); pos != std::string::npos; pos = data.find("currentColor", pos)) {
+                data.replace(pos, 12, rgb);
+            }
+            const double alpha = std::stoi(color.substr(7, 2), nullptr, 16) / 255.0;
+            if (alpha < 1) {
+                if (auto pos = data.find("<svg"); pos != std::string::npos) {
+                    char attrs[80];
+                    std::snprintf(attrs, sizeof attrs, " stroke-opacity=\"%.3f\" fill-opacity=\"%.3f\"", alpha, alpha);
+                    data.insert(pos + 4, attrs);
+                }
             }
         }
         GError* error = nullptr;
@@ -174,7 +191,10 @@ void drawImage(cairo_t* cr, const ImageDraw& image, const Rect& frame, Appearanc
         path = assetPath(image.name);
     }
     const RGBA tint = image.tint ? image.tint->resolve(appearance) : Color::gray(0.5).withOpacity(image.opacity).resolve(appearance);
-    const Loaded* loaded = path ? &imageCache().get(*path, strokeWidth) : nullptr;
+    // Symbols are drawn in their tint directly (their strokes use
+    // currentColor); other tinted images become a single-colour mask.
+    const bool recolored = image.source == ImageDraw::Source::symbol && image.tint;
+    const Loaded* loaded = path ? &imageCache().get(*path, strokeWidth, recolored ? toHex(tint) : std::string()) : nullptr;
     if (!loaded || (!loaded->svg && !loaded->png)) {
         drawPlaceholder(cr, frame, tint);
         return;
@@ -186,7 +206,9 @@ void drawImage(cairo_t* cr, const ImageDraw& image, const Rect& frame, Appearanc
     const double margin = image.mode == ContentMode::fill ? 0 : std::min(frame.width, frame.height) * 0.1;
     cairo_rectangle(cr, frame.x - margin, frame.y - margin, frame.width + 2 * margin, frame.height + 2 * margin);
     cairo_clip(cr);
-    if (image.tint) {
+    if (recolored) {
+        drawLoaded(cr, *loaded, target);
+    } else if (image.tint) {
         // A single-colour mask: the image's coverage painted in the tint.
         cairo_push_group(cr);
         drawLoaded(cr, *loaded, target);
