@@ -122,8 +122,8 @@ WidgetPayload samplePayload(Date now) {
     cursor.forecastLabel = "$41 by month end";
     cursor.meters = std::vector<WidgetMeter>{
         {"spend", "Spend", "currency", "$18.40", std::nullopt, now + 9 * kDay, true, false, "this month"}};
-    for (int i = 6; i >= 0; --i)
-        cursor.dailyValues.emplace().push_back({dayText(now - i * kDay), 1.5 + i * 0.9, 40 + i * 11, 120'000 + i * 9'000});
+    auto& days = cursor.dailyValues.emplace();
+    for (int i = 6; i >= 0; --i) days.push_back({dayText(now - i * kDay), 1.5 + i * 0.9, 40 + i * 11, 120'000 + i * 9'000});
     p.tools.insert(p.tools.begin() + 3, cursor);
     p.enabledToolIDs.insert(p.enabledToolIDs.begin() + 3, "cursor");
 

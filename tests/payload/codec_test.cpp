@@ -1,5 +1,7 @@
 #include "payload/codec.hpp"
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 #include "payload/hash.hpp"
@@ -127,6 +129,13 @@ TEST(DecodePayload, SamplePayloadRoundTrips) {
     ASSERT_TRUE(decoded);
     EXPECT_EQ(*decoded, sample);
     EXPECT_EQ(hashValue(decoded->dashboards.at("claude")), hashValue(sample.dashboards.at("claude")));
+    // Cursor reports a week of daily spend, one value a day, oldest first.
+    const auto cursor = std::find_if(sample.tools.begin(), sample.tools.end(),
+                                     [](const WidgetToolSnapshot& t) { return t.toolID == "cursor"; });
+    ASSERT_NE(cursor, sample.tools.end());
+    ASSERT_TRUE(cursor->dailyValues);
+    ASSERT_EQ(cursor->dailyValues->size(), 7u);
+    EXPECT_LT(cursor->dailyValues->front().day, cursor->dailyValues->back().day);
 }
 
 TEST(EncodePayload, OmitsAbsentOptionals) {
