@@ -4,17 +4,12 @@
 #include <set>
 
 #include "payload/store.hpp"
+#include "platform/text.hpp"
 
 namespace mw {
 namespace {
 
 constexpr std::string_view kNameSeparator = " \u00B7 ";
-
-std::string capitalisedASCII(std::string_view text) {
-    std::string out(text);
-    if (!out.empty() && out[0] >= 'a' && out[0] <= 'z') out[0] = static_cast<char>(out[0] - 'a' + 'A');
-    return out;
-}
 
 std::string_view beforeFirst(std::string_view text, std::string_view separator) {
     const auto at = text.find(separator);
@@ -52,10 +47,10 @@ std::vector<WidgetProviderChoice> providerChoices(const WidgetPayload& payload) 
 }
 
 std::string labelForToolIdentifier(std::string_view identifier) {
-    return capitalisedASCII(beforeFirst(identifier, ":"));
+    return capitalisedFirst(beforeFirst(identifier, ":"));
 }
 
-std::string labelForProviderIdentifier(std::string_view identifier) { return capitalisedASCII(identifier); }
+std::string labelForProviderIdentifier(std::string_view identifier) { return capitalisedFirst(identifier); }
 
 WidgetToolChoice toolChoiceForIdentifier(std::string_view identifier, const std::vector<WidgetToolChoice>& listed) {
     if (const auto* choice = findListed(identifier, listed)) return *choice;

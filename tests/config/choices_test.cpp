@@ -92,7 +92,7 @@ TEST(ChoiceLookup, AnswersEveryIdentifierInOrder) {
     EXPECT_EQ(tools[4].label, "Claude \u00B7 work");
     EXPECT_EQ(tools[5], (WidgetToolChoice{"", "", ""}));
     EXPECT_EQ(tools[6].label, "1tool");
-    EXPECT_EQ(tools[7].label, "\u00E9clair");  // only ASCII letters are upper-cased
+    EXPECT_EQ(tools[7].label, "\u00C9clair");  // any script with capitals
 
     const auto providers =
         providerChoicesForIdentifiers({"all", "copilot", "claude", "a:b"}, providerChoices(payload));

@@ -1,9 +1,11 @@
 #pragma once
-// The short texts of the Focus widget: percentages, reset countdowns and the
-// upper-cased tool name.
+// The short texts of the Focus widget: percentages and reset countdowns. The
+// upper-cased tool name comes from platform/text.hpp.
 
 #include <string>
 #include <string_view>
+
+#include "platform/text.hpp"
 
 namespace mw {
 
@@ -18,10 +20,5 @@ std::string percentText(double percent);
 // whole minute (and for a reset already past). Seconds are rounded to whole
 // seconds first (halves away from zero), then truncated to minutes.
 std::string countdownText(double seconds);
-
-// `text` in capitals. ASCII, Latin-1, Latin Extended-A, Greek and Cyrillic
-// letters are mapped; every other character, and any byte that is not valid
-// UTF-8, is copied unchanged, so a multibyte character is never split.
-std::string upperCased(std::string_view text);
 
 }  // namespace mw
