@@ -44,7 +44,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     MW_FUZZ_CHECK(parsed.value.has_value() == parsed.error.empty());
     if (!parsed) return 0;
     MW_FUZZ_CHECK(parsed.value->size() == assignments.size());
-    for (const auto& [name, value] : *parsed.value) {
+    for (const auto& assignment : *parsed.value) {
+        const auto& name = assignment.first;
         const bool known = std::any_of(intent.parameters.begin(), intent.parameters.end(),
                                        [&](const mw::IntentParameter& p) { return p.name == name; });
         MW_FUZZ_CHECK(known);

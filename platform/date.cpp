@@ -93,6 +93,10 @@ std::optional<int> digits(std::string_view text, std::size_t pos, std::size_t co
     return value;
 }
 
+// The instants that the text form can hold: 0001-01-01T00:00:00Z to
+// 9999-12-31T23:59:59Z, in seconds since 1970.
+constexpr double kFirstWritable = -62135769600.0, kLastWritable = 253402300799.0;
+
 }  // namespace
 
 std::optional<Date> parseISO8601(std::string_view t) {
@@ -124,16 +128,18 @@ std::optional<Date> parseISO8601(std::string_view t) {
     }
 
     const std::int64_t days = daysFromDate(*year, static_cast<unsigned>(*month), static_cast<unsigned>(*day));
-    const std::int64_t unix = days * 86400 + *hour * 3600 + *minute * 60 + *second - offsetSeconds;
-    return Date::fromUnix(static_cast<double>(unix));
+    const auto unix = static_cast<double>(days * 86400 + *hour * 3600 + *minute * 60 + *second - offsetSeconds);
+    // Year 0, or an offset that carries a date past either end, names an
+    // instant that could not be written back.
+    if (unix < kFirstWritable || unix > kLastWritable) return std::nullopt;
+    return Date::fromUnix(unix);
 }
 
 std::string formatISO8601(Date date) {
     const double unixSeconds = std::floor(date.unixSeconds());
     // Outside years 1 to 9999 the text form has no meaning; clamp instead of overflowing.
-    constexpr double kFirst = -62135769600.0, kLast = 253402300799.0;
     if (std::isnan(unixSeconds)) return formatISO8601(kDistantPast);
-    auto total = static_cast<std::int64_t>(std::clamp(unixSeconds, kFirst, kLast));
+    auto total = static_cast<std::int64_t>(std::clamp(unixSeconds, kFirstWritable, kLastWritable));
     std::int64_t days = total / 86400;
     std::int64_t rest = total % 86400;
     if (rest < 0) {

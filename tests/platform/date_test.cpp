@@ -35,6 +35,10 @@ INSTANTIATE_TEST_SUITE_P(
         ParseCase{"1582-10-10T00:00:00Z", std::nullopt},  // skipped by the calendar reform
         ParseCase{"1500-02-29T00:00:00Z", -14825894400},  // a Julian leap day
         ParseCase{"9999-12-31T23:59:59Z", 253402300799},
+        ParseCase{"0000-01-01T00:00:01Z", std::nullopt},       // no year 0 in the text form
+        ParseCase{"0001-01-01T00:00:00+00:01", std::nullopt},  // an instant before year 1
+        ParseCase{"9999-12-31T23:59:59-00:01", std::nullopt},  // and after year 9999
+        ParseCase{"0001-01-01T00:01:00+00:01", -62135769600},
         ParseCase{"2024-02-29T12:00:00Z", 1709208000},   // leap year
         ParseCase{"2000-02-29T00:00:00Z", 951782400},    // divisible by 400
         ParseCase{"2023-02-29T00:00:00Z", std::nullopt},  // not a leap year
