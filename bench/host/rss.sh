@@ -6,14 +6,15 @@
 # for the benchmark report:
 #
 #   host_rss_kb host_hwm_kb host_anon_kb host_file_kb host_pss_kb
-#   idle_seconds timer_wakeups
+#   idle_seconds timer_wakeups file_wakeups timeline_builds idle_cpu_ms idle_switches
 #   floor_rss_kb floor_hwm_kb floor_anon_kb floor_file_kb   (when the floor is built)
 #
 #   bench/host/rss.sh BUILD_DIR [IDLE_SECONDS]     (default idle: 5)
 #
 # METERWICK_CONTAINER, when set to a directory, is the container the widgets
 # read (it should hold a fresh payload); otherwise `demo` writes one.
-# Exit status 77 when xvfb-run or dbus-run-session is missing.
+# MW_RSS_NO_FLOOR=1 leaves the floor out. Exit status 77 when xvfb-run or
+# dbus-run-session is missing.
 set -euo pipefail
 
 build="${1:?usage: rss.sh BUILD_DIR [IDLE_SECONDS]}"
@@ -57,21 +58,28 @@ for _ in $(seq 150); do
   sleep 0.1
 done
 [ "$(status 2>/dev/null | field widgets)" = 5 ] || { echo "rss.sh: the host did not show five widgets" >&2; cat "$work/host.log" >&2; exit 1; }
-sleep 2  # let the first frames settle, as idle.sh does
+sleep 2  # let the first frames settle
 
-before="$(status)"
+ticks() { awk '{print $14 + $15}' "/proc/$pid/stat"; }
+switches() { awk '/^voluntary_ctxt_switches/ {print $2}' "/proc/$pid/status"; }
+before="$(status)" ticks_before="$(ticks)" switches_before="$(switches)"
 sleep "$idle"
-after="$(status)"
+after="$(status)" ticks_after="$(ticks)" switches_after="$(switches)"
+grown() { echo $(( $(echo "$after" | field "$1") - $(echo "$before" | field "$1") )); }
 echo "host_rss_kb $(awk '/^VmRSS/ {print $2}' "/proc/$pid/status")"
 echo "host_hwm_kb $(awk '/^VmHWM/ {print $2}' "/proc/$pid/status")"
 echo "host_anon_kb $(awk '/^RssAnon/ {print $2}' "/proc/$pid/status")"
 echo "host_file_kb $(awk '/^RssFile/ {print $2}' "/proc/$pid/status")"
 echo "host_pss_kb $(awk '/^Pss:/ {print $2}' "/proc/$pid/smaps_rollup" 2>/dev/null || echo 0)"
 echo "idle_seconds $idle"
-echo "timer_wakeups $(( $(echo "$after" | field timerWakeUps) - $(echo "$before" | field timerWakeUps) ))"
+echo "timer_wakeups $(grown timerWakeUps)"
+echo "file_wakeups $(grown fileWakeUps)"
+echo "timeline_builds $(grown timelineBuilds)"
+echo "idle_cpu_ms $(( (ticks_after - ticks_before) * 1000 / $(getconf CLK_TCK) ))"
+echo "idle_switches $((switches_after - switches_before))"
 kill "$pid"; wait "$pid" 2>/dev/null || true; pid=""
 
 # The floor runs alone on the same display, after the host has gone.
-if [ -x "$floor" ]; then
+if [ -x "$floor" ] && [ -z "${MW_RSS_NO_FLOOR:-}" ]; then
   "$floor" | sed 's/^/floor_/'
 fi

@@ -170,7 +170,7 @@ void drawLoaded(cairo_t* cr, const Loaded& img, const Rect& target) {
         rsvg_handle_render_document(img.svg.get(), cr, &viewport, nullptr);
     } else if (img.png) {
         cairo_set_source_surface(cr, img.png.get(), 0, 0);
-        cairo_pattern_set_filter(cairo_get_source(cr), CAIRO_FILTER_GOOD);
+        cairo_pattern_set_filter(cairo_get_source(cr), CAIRO_FILTER_BEST);
         cairo_paint(cr);
     }
     cairo_restore(cr);
