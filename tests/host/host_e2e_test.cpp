@@ -19,12 +19,14 @@
 #include <functional>
 #include <nlohmann/json.hpp>
 #include <thread>
+#include <vector>
 
 #include "payload/codec.hpp"
 #include "payload/sample.hpp"
 #include "payload/store.hpp"
 #include "platform/atomic_write.hpp"
 #include "platform/clock.hpp"
+#include "platform/date.hpp"
 #include "support/temp_dir.hpp"
 
 extern char** environ;
@@ -100,18 +102,31 @@ std::string renderedLikeTheWindow(const nlohmann::json& info, const std::filesys
     return readFile(output);
 }
 
-// The URL a click at `point` (points) should open, from `describe`: the last
-// link region under it, else the widget's URL.
-std::string expectedURL(const nlohmann::json& info, double x, double y) {
+// `describe` of what the window says it shows.
+nlohmann::json described(const nlohmann::json& info) {
     std::string arguments = "--now " + info["date"].get<std::string>() + " describe " +
                             info["kind"].get<std::string>() + " --family " + info["family"].get<std::string>();
     for (const auto& [name, value] : info["parameters"].items())
         arguments += " --set '" + name + "=" + value.get<std::string>() + "'";
-    const auto described = nlohmann::json::parse(drawingCLI(arguments).out, nullptr, false);
-    if (described.is_discarded()) return "(describe failed)";
-    std::string url = described.value("url", "");
-    for (const auto& node : described["nodes"]) {
-        if (!node.contains("url") || node["kind"] != "link") continue;
+    return nlohmann::json::parse(drawingCLI(arguments).out, nullptr, false);
+}
+
+// The link regions of a described widget, in paint order.
+std::vector<nlohmann::json> linkRegions(const nlohmann::json& described) {
+    std::vector<nlohmann::json> links;
+    if (described.is_discarded()) return links;
+    for (const auto& node : described["nodes"])
+        if (node.contains("url") && node["kind"] == "link") links.push_back(node);
+    return links;
+}
+
+// The URL a click at `point` (points) should open, from `describe`: the last
+// link region under it, else the widget's URL.
+std::string expectedURL(const nlohmann::json& info, double x, double y) {
+    const auto widget = described(info);
+    if (widget.is_discarded()) return "(describe failed)";
+    std::string url = widget.value("url", "");
+    for (const auto& node : linkRegions(widget)) {
         const auto& f = node["frame"];
         if (x >= f[0].get<double>() && y >= f[1].get<double>() && x < f[0].get<double>() + f[2].get<double>() &&
             y < f[1].get<double>() + f[3].get<double>())
@@ -220,6 +235,20 @@ void scenario() {
         EXPECT_TRUE(waitFor([&] { return readFile(opened).find(url + "\n") != std::string::npos; }, 10s))
             << "expected " << url << ", opened: " << readFile(opened);
 
+        // A click on an Accounts row opens that row's account, not the widget.
+        // The window stands at (200, 0) points; the screen has two pixels a point.
+        const auto accounts = *shown(snapshots, "accounts-1");
+        const auto rows = linkRegions(described(accounts));
+        ASSERT_GE(rows.size(), 2u) << "the Accounts widget shows rows with links";
+        const auto& row = rows[1]["frame"];
+        const double rowX = row[0].get<double>() + row[2].get<double>() / 2, rowY = row[1].get<double>() + row[3].get<double>() / 2;
+        const std::string rowURL = rows[1]["url"];
+        EXPECT_EQ(expectedURL(accounts, rowX, rowY), rowURL);
+        run("xdotool mousemove " + std::to_string(static_cast<int>((200 + rowX) * 2)) + " " +
+            std::to_string(static_cast<int>(rowY * 2)) + " click 1");
+        EXPECT_TRUE(waitFor([&] { return readFile(opened).find(rowURL + "\n") != std::string::npos; }, 10s))
+            << "expected " << rowURL << ", opened: " << readFile(opened);
+
         // The context menu: its first item opens Edit Widget, titled by the
         // intent; its last opens the Add Widget gallery. A loaded machine can
         // be slow to map the menu and take the keys, so each try is repeated.
@@ -253,6 +282,27 @@ void scenario() {
     const auto after = *shown(snapshots, "focus-1");
     EXPECT_NE(readFile(snapshots / "focus-1.png"), beforePNG);
     EXPECT_EQ(renderedLikeTheWindow(after, root / "cli-after.png"), readFile(snapshots / "focus-1.png"));
+
+    // Data that turns stale a few seconds from now: the window turns to the
+    // stale panel at that moment from the timeline it has, with no new build.
+    {
+        auto aging = samplePayload(systemNow());
+        aging.updatedAt = systemNow() - 1800 + 6;
+        const auto previous = (*shown(snapshots, "focus-1"))["build"].get<int>();
+        writePayload(container, aging);
+        ASSERT_TRUE(waitFor([&] {
+            const auto now = shown(snapshots, "focus-1");
+            return now && (*now)["build"] != previous;
+        })) << hostLog();
+        const auto fresh = *shown(snapshots, "focus-1");
+        EXPECT_EQ(fresh["entry"], 0);
+        EXPECT_EQ(fresh["entries"], 2) << "the entry at now and the one at the stale moment";
+        EXPECT_TRUE(waitFor([&] { return (*shown(snapshots, "focus-1"))["entry"] == 1; }, 15s)) << hostLog();
+        const auto stale = *shown(snapshots, "focus-1");
+        EXPECT_EQ(stale["build"], fresh["build"]) << "no reload was needed";
+        EXPECT_EQ(stale["date"], formatISO8601(aging.updatedAt + 1800));
+        EXPECT_EQ(renderedLikeTheWindow(stale, root / "cli-stale.png"), readFile(snapshots / "focus-1.png"));
+    }
 
     // Reload over D-Bus: that kind only, done by the time the command returns.
     const auto dashboardBuild = (*shown(snapshots, "dashboard-1"))["build"].get<int>();
