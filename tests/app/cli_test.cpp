@@ -32,6 +32,17 @@ Run run(const std::string& arguments) {
     return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, testing::readFile(io / "out"), testing::readFile(io / "err")};
 }
 
+// What a run that must succeed printed, as JSON.
+nlohmann::json succeeded(const std::string& arguments) {
+    const auto result = run(arguments);
+    EXPECT_EQ(result.status, 0) << arguments << ": " << result.err;
+    return nlohmann::json::parse(result.out, nullptr, false);
+}
+
+std::string in(const TempDir& container) {
+    return "--container '" + container.path().string() + "' ";
+}
+
 TEST(Cli, UsageErrorsExitWithStatusTwoAndSayWhy) {
     struct Case {
         const char* arguments;
@@ -39,7 +50,6 @@ TEST(Cli, UsageErrorsExitWithStatusTwoAndSayWhy) {
     };
     const Case cases[] = {
         {"timeline bogus", "unknown widget kind \"bogus\""},
-        {"timeline focus --family systemLarge", "accepted: systemSmall"},
         {"timeline dashboard --family huge", "accepted: systemLarge, systemExtraLarge"},
         {"timeline focus --set style=fancy", "accepted: classic, enhanced"},
         {"snapshot focus --set colour=red", "accepted: tool, style"},
@@ -59,33 +69,19 @@ TEST(Cli, UsageErrorsExitWithStatusTwoAndSayWhy) {
     }
 }
 
-TEST(Cli, HelpAndVersionSucceed) {
-    EXPECT_EQ(run("--help").status, 0);
-    const auto version = run("--version");
-    EXPECT_EQ(version.status, 0);
-    EXPECT_FALSE(version.out.empty());
-}
-
 TEST(Cli, TimelinePrintsEntriesAndWritesTheSelfReport) {
     const TempDir container;
     testing::writePayload(container,
                           testing::payloadOf({testing::tool("claude", 30), testing::tool("codex", 60, "work")},
                                              testing::kNow - 600));
-    const auto result = run("--container '" + container.path().string() +
-                            "' --now 2025-01-31T14:05:00Z timeline MeterwickFocus --set style=enhanced");
-    ASSERT_EQ(result.status, 0) << result.err;
-    const auto json = nlohmann::json::parse(result.out);
+    // The entries' JSON form is the bundle's; here the options and --now get through.
+    const auto json =
+        succeeded(in(container) + "--now 2025-01-31T14:05:00Z timeline MeterwickFocus --set style=enhanced");
     ASSERT_EQ(json["entries"].size(), 2u);
     EXPECT_EQ(json["reloadAfter"], "2025-01-31T14:15:00Z");
-    const auto& first = json["entries"][0];
-    EXPECT_EQ(first["date"], "2025-01-31T14:05:00Z");
-    EXPECT_EQ(first["readStatus"], "ok");
-    EXPECT_EQ(first["tool"]["id"], "highest");
-    EXPECT_EQ(first["style"], "enhanced");
-    EXPECT_EQ(first["resolvedToolID"], "codex:work");
-    EXPECT_TRUE(first["panel"].is_null());
+    EXPECT_EQ(json["entries"][0]["style"], "enhanced");
+    EXPECT_EQ(json["entries"][0]["resolvedToolID"], "codex:work");
     EXPECT_EQ(json["entries"][1]["date"], "2025-01-31T14:25:00Z");
-    EXPECT_EQ(json["entries"][1]["panel"]["title"], "Open Meterwick");
 
     const auto report = nlohmann::json::parse(testing::readFile(container / kSelfReportFileName));
     EXPECT_EQ(report["kind"], "focus");
@@ -93,9 +89,7 @@ TEST(Cli, TimelinePrintsEntriesAndWritesTheSelfReport) {
 }
 
 TEST(Cli, MissingContainerIsAPanelNotAnError) {
-    const auto result = run("timeline accounts --container /nonexistent/elsewhere --now 2025-01-31T14:05:00Z");
-    ASSERT_EQ(result.status, 0) << result.err;
-    const auto json = nlohmann::json::parse(result.out);
+    const auto json = succeeded("timeline accounts --container /nonexistent/elsewhere --now 2025-01-31T14:05:00Z");
     ASSERT_EQ(json["entries"].size(), 3u);
     EXPECT_EQ(json["entries"][0]["readStatus"], "noContainer");
     EXPECT_EQ(json["entries"][0]["panel"]["title"], "Can't read widget data");
@@ -103,27 +97,19 @@ TEST(Cli, MissingContainerIsAPanelNotAnError) {
 
 TEST(Cli, PlaceholderAndSnapshotWriteNoReport) {
     const TempDir container;
-    const std::string at = "--container '" + container.path().string() + "' ";
-    EXPECT_EQ(run(at + "placeholder sparkline").status, 0);
-    const auto snapshot = run(at + "snapshot accounts-limit --set provider=claude");
-    ASSERT_EQ(snapshot.status, 0) << snapshot.err;
-    EXPECT_EQ(nlohmann::json::parse(snapshot.out)["provider"]["label"], "Claude");
+    EXPECT_EQ(run(in(container) + "placeholder sparkline").status, 0);
+    auto snapshot = succeeded(in(container) + "snapshot accounts-limit --set provider=claude");
+    EXPECT_EQ(snapshot["provider"]["label"], "Claude");
     EXPECT_TRUE(std::filesystem::is_empty(container.path()));
 }
 
 TEST(Cli, ChoicesAndLookup) {
     const TempDir container;
     testing::writePayload(container, testing::payloadOf({testing::tool("claude", 30, "work")}));
-    const std::string at = "--container '" + container.path().string() + "' ";
-    const auto choices = run(at + "choices tool");
-    ASSERT_EQ(choices.status, 0) << choices.err;
-    const auto list = nlohmann::json::parse(choices.out);
+    const auto list = succeeded(in(container) + "choices tool");
     ASSERT_EQ(list.size(), 2u);
     EXPECT_EQ(list[1]["id"], "claude:work");
-
-    const auto lookup = run(at + "lookup provider gemini all");
-    ASSERT_EQ(lookup.status, 0) << lookup.err;
-    EXPECT_EQ(nlohmann::json::parse(lookup.out),
+    EXPECT_EQ(succeeded(in(container) + "lookup provider gemini all"),
               nlohmann::json::parse(R"([{"id":"gemini","label":"Gemini"},{"id":"all","label":"All providers"}])"));
 }
 

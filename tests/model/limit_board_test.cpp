@@ -7,19 +7,21 @@
 namespace mw {
 namespace {
 
-using testing::kFiveHours;
 using testing::payloadOf;
 using testing::snapshot;
 using testing::window;
 
 using Windows = std::vector<WidgetUsageWindow>;
+using L = WidgetLimitChoice;
+using P = WidgetPercentChoice;
+using O = WidgetOrderChoice;
 
 WidgetPayload fleet() {
     auto hidden = snapshot("claude", "eu", Windows{window("Week", 5)});
     hidden.hasQuotaHeadline = false;
     return payloadOf({
         snapshot("claude", std::nullopt, Windows{window("5h", 70), window("Week", 40)}),
-        snapshot("codex", std::nullopt, Windows{window("Session", 20, std::nullopt, kFiveHours)}),
+        snapshot("codex", std::nullopt, Windows{window("Session", 20, std::nullopt, testing::kFiveHours)}),
         snapshot("claude", "work", Windows{window("5h", 5), window("Week", 10)}),
         hidden,
         snapshot("cursor", std::nullopt, Windows{window("Week", 80)}),
@@ -42,37 +44,26 @@ std::vector<Row> rows(const LimitBoard& board) {
     return result;
 }
 
-TEST(LimitBoard, MostRoomFirstWindowlessLast) {
-    using L = WidgetLimitChoice;
-    using P = WidgetPercentChoice;
-    using O = WidgetOrderChoice;
-    EXPECT_EQ(rows(limitBoard(fleet(), "claude", L::weekly, P::left, O::mostRoom)),
-              (std::vector<Row>{{"claude:work", 90}, {"claude", 60}, {"claude:eu", std::nullopt}}));
-    EXPECT_EQ(rows(limitBoard(fleet(), "all", L::weekly, P::used, O::mostRoom)),
-              (std::vector<Row>{{"claude:work", 10},
-                                {"claude", 40},
-                                {"cursor", 80},
-                                {"gemini", 130},
-                                {"claude:eu", std::nullopt},
-                                {"codex", std::nullopt}}));
-    EXPECT_EQ(rows(limitBoard(fleet(), "all", L::fiveHour, P::left, O::mostRoom)),
-              (std::vector<Row>{{"claude:work", 95},
-                                {"codex", 80},
-                                {"claude", 30},
-                                {"claude:eu", std::nullopt},
-                                {"cursor", std::nullopt},
-                                {"gemini", std::nullopt}}));
-}
-
-TEST(LimitBoard, AppOrderKeepsTheAccountList) {
-    EXPECT_EQ(rows(limitBoard(fleet(), "all", WidgetLimitChoice::weekly, WidgetPercentChoice::left,
-                              WidgetOrderChoice::app)),
-              (std::vector<Row>{{"claude", 60},
-                                {"claude:work", 90},
-                                {"claude:eu", std::nullopt},
-                                {"codex", std::nullopt},
-                                {"cursor", 20},
-                                {"gemini", 0}}));
+TEST(LimitBoard, MostRoomFirstWindowlessLastOrAppOrder) {
+    constexpr std::nullopt_t none = std::nullopt;
+    struct Case {
+        const char* provider;
+        L limit;
+        P percent;
+        O order;
+        std::vector<Row> rows;
+    };
+    const Case cases[] = {
+        {"claude", L::weekly, P::left, O::mostRoom, {{"claude:work", 90}, {"claude", 60}, {"claude:eu", none}}},
+        {"all", L::weekly, P::used, O::mostRoom,
+         {{"claude:work", 10}, {"claude", 40}, {"cursor", 80}, {"gemini", 130}, {"claude:eu", none}, {"codex", none}}},
+        {"all", L::fiveHour, P::left, O::mostRoom,
+         {{"claude:work", 95}, {"codex", 80}, {"claude", 30}, {"claude:eu", none}, {"cursor", none}, {"gemini", none}}},
+        {"all", L::weekly, P::left, O::app,
+         {{"claude", 60}, {"claude:work", 90}, {"claude:eu", none}, {"codex", none}, {"cursor", 20}, {"gemini", 0}}},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(rows(limitBoard(fleet(), c.provider, c.limit, c.percent, c.order)), c.rows) << "case " << &c - cases;
 }
 
 TEST(LimitBoard, TiesKeepAccountOrderAndProvidersMatchExactly) {
@@ -82,15 +73,10 @@ TEST(LimitBoard, TiesKeepAccountOrderAndProvidersMatchExactly) {
         snapshot("c", std::nullopt, Windows{window("Week", 50)}),
         snapshot("d", std::nullopt, Windows{window("Week", 50)}),
     });
-    EXPECT_EQ(rows(limitBoard(payload, "all", WidgetLimitChoice::weekly, WidgetPercentChoice::left,
-                              WidgetOrderChoice::mostRoom)),
+    EXPECT_EQ(rows(limitBoard(payload, "all", L::weekly, P::left, O::mostRoom)),
               (std::vector<Row>{{"c", 50}, {"d", 50}, {"a", 0}, {"b", 0}}));
-    for (const char* provider : {"Claude", "claude:work", "", "zzz"}) {
-        EXPECT_TRUE(limitBoard(fleet(), provider, WidgetLimitChoice::weekly, WidgetPercentChoice::left,
-                               WidgetOrderChoice::mostRoom)
-                        .rows.empty())
-            << provider;
-    }
+    for (const char* provider : {"Claude", "claude:work", "", "zzz"})
+        EXPECT_TRUE(limitBoard(fleet(), provider, L::weekly, P::left, O::mostRoom).rows.empty()) << provider;
 }
 
 }  // namespace

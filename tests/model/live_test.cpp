@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <set>
 
 namespace mw {
 namespace {
@@ -22,17 +23,6 @@ LiveProviderSnapshot fullProvider() {
                                 LiveWindowSnapshot("Week", 61.25, Date::fromUnix(1738800000), 604800));
 }
 
-TEST(LiveRecords, ResetDatesTravelAsUnixSeconds) {
-    const LiveWindowSnapshot window("5h", 10, Date{0});
-    EXPECT_EQ(window.resetAtEpoch, 978307200.0);
-    EXPECT_EQ(window.resetAt(), Date{0});
-
-    const LiveProviderSnapshot provider("a", "codex", "Codex", 1, std::nullopt, 0, "10A37F");
-    EXPECT_FALSE(provider.resetAtEpoch);
-    EXPECT_FALSE(provider.resetAt());
-    EXPECT_EQ(fullProvider().resetAt(), Date::fromUnix(1738332300));
-}
-
 TEST(LiveRecords, EncodesOnlyPresentKeysInDeclarationOrder) {
     const LiveProviderSnapshot sparse("a", "codex", "Codex", 1, std::nullopt, 0, "10A37F", std::nullopt, 18000);
     EXPECT_EQ(keysOf(encodeLive(sparse)), (std::vector<std::string>{"id", "toolID", "displayName", "percent",
@@ -41,60 +31,49 @@ TEST(LiveRecords, EncodesOnlyPresentKeysInDeclarationOrder) {
               (std::vector<std::string>{"id", "toolID", "displayName", "percent", "resetAtEpoch", "dangerLevel",
                                         "brandHex", "windowLabel", "windowSeconds", "secondary"}));
     EXPECT_EQ(keysOf(encodeLive(LiveWindowSnapshot("5h", 3))), (std::vector<std::string>{"label", "percent"}));
+    // Reset dates travel as Unix seconds.
     EXPECT_EQ(encodeLive(LiveWindowSnapshot("5h", 3, Date{0}, 60)),
               R"({"label":"5h","percent":3.0,"resetAtEpoch":978307200.0,"durationSeconds":60.0})");
     EXPECT_EQ(keysOf(encodeLive(LiveActivityContentPayload(fullProvider(), {}))),
               (std::vector<std::string>{"primary", "all"}));
 }
 
-TEST(LiveRecords, RoundTrip) {
+TEST(LiveRecords, RoundTripsThroughTextAndEpochSeconds) {
     const LiveProviderSnapshot sparse("b", "x", "X", 0, std::nullopt, -1, "");
     const LiveActivityContentPayload content(fullProvider(), {fullProvider(), sparse});
     EXPECT_EQ(decodeLive<LiveActivityContentPayload>(encodeLive(content)), content);
     EXPECT_EQ(decodeLive<LiveProviderSnapshot>(encodeLive(sparse)), sparse);
     EXPECT_EQ(decodeLive<LiveWindowSnapshot>(encodeLive(*fullProvider().secondary)), fullProvider().secondary);
+    EXPECT_EQ(fullProvider().resetAt(), Date::fromUnix(1738332300));
+    EXPECT_EQ(LiveWindowSnapshot("5h", 10, Date{0}).resetAt(), Date{0});
 }
 
 TEST(LiveRecords, DecodingIsStrictAboutRequiredKeysAndTypes) {
     const auto valid = ordered_json::parse(encodeLive(fullProvider()));
     ASSERT_TRUE(decodeLive<LiveProviderSnapshot>(valid.dump()));
 
-    for (const char* key : {"id", "toolID", "displayName", "percent", "dangerLevel", "brandHex"}) {
+    // Required keys may be neither missing nor null; an optional one may be
+    // either, and null reads as missing.
+    const std::set<std::string> optional{"resetAtEpoch", "windowLabel", "windowSeconds", "secondary"};
+    for (const auto& [key, value] : valid.items()) {
         auto missing = valid;
         missing.erase(key);
-        EXPECT_FALSE(decodeLive<LiveProviderSnapshot>(missing.dump())) << key;
         auto null = valid;
         null[key] = nullptr;
-        EXPECT_FALSE(decodeLive<LiveProviderSnapshot>(null.dump())) << key;
-    }
-    for (const char* key : {"resetAtEpoch", "windowLabel", "windowSeconds", "secondary"}) {
-        auto missing = valid;
-        missing.erase(key);
-        EXPECT_TRUE(decodeLive<LiveProviderSnapshot>(missing.dump())) << key;
-        auto null = valid;
-        null[key] = nullptr;
-        const auto decoded = decodeLive<LiveProviderSnapshot>(null.dump());
-        ASSERT_TRUE(decoded) << key;
-        EXPECT_EQ(*decoded, *decodeLive<LiveProviderSnapshot>(missing.dump())) << key;
+        const auto withoutKey = decodeLive<LiveProviderSnapshot>(missing.dump());
+        const auto withNull = decodeLive<LiveProviderSnapshot>(null.dump());
+        EXPECT_EQ(withoutKey.has_value(), optional.contains(key)) << key;
+        EXPECT_EQ(withNull, withoutKey) << key;
     }
 
-    struct Case {
-        const char* name;
-        const char* key;
-        ordered_json value;
-    };
-    const Case mistyped[] = {
-        {"fractional level", "dangerLevel", 2.5},
-        {"percent as text", "percent", "42"},
-        {"epoch as text", "resetAtEpoch", "1738332300"},
-        {"label as number", "windowLabel", 5},
-        {"secondary without its label", "secondary", ordered_json{{"percent", 1}}},
-        {"secondary as array", "secondary", ordered_json::array()},
-    };
-    for (const auto& c : mistyped) {
+    // A fractional level, text for numbers, a number for text, a malformed secondary.
+    const std::pair<const char*, ordered_json> mistyped[] = {
+        {"dangerLevel", 2.5}, {"percent", "42"}, {"resetAtEpoch", "1738332300"}, {"windowLabel", 5},
+        {"secondary", ordered_json{{"percent", 1}}}, {"secondary", ordered_json::array()}};
+    for (const auto& [key, value] : mistyped) {
         auto document = valid;
-        document[c.key] = c.value;
-        EXPECT_FALSE(decodeLive<LiveProviderSnapshot>(document.dump())) << c.name;
+        document[key] = value;
+        EXPECT_FALSE(decodeLive<LiveProviderSnapshot>(document.dump())) << key << " = " << value;
     }
 
     EXPECT_TRUE(decodeLive<LiveProviderSnapshot>(
@@ -106,24 +85,19 @@ TEST(LiveRecords, DecodingIsStrictAboutRequiredKeysAndTypes) {
     EXPECT_TRUE(decodeLive<LiveActivityContentPayload>(R"({"primary":)" + valid.dump() + R"(,"all":[]})"));
 }
 
-TEST(LiveRecords, EqualityAndHashingCoverEveryField) {
+TEST(LiveRecords, HashingCoversNestedFields) {
     const std::hash<LiveProviderSnapshot> hash;
+    EXPECT_EQ(hash(fullProvider()), hash(fullProvider()));
     auto withoutSecondary = fullProvider();
     withoutSecondary.secondary.reset();
-    EXPECT_NE(fullProvider(), withoutSecondary);
-    EXPECT_NE(hash(fullProvider()), hash(withoutSecondary));
-    EXPECT_EQ(hash(fullProvider()), hash(fullProvider()));
-
     auto otherSecondary = fullProvider();
     otherSecondary.secondary->durationSeconds.reset();
+    EXPECT_NE(hash(fullProvider()), hash(withoutSecondary));
     EXPECT_NE(hash(fullProvider()), hash(otherSecondary));
 
     const std::hash<LiveActivityContentPayload> contentHash;
-    const LiveActivityContentPayload a(fullProvider(), {fullProvider()});
-    const LiveActivityContentPayload b(fullProvider(), {fullProvider(), fullProvider()});
-    EXPECT_NE(a, b);
-    EXPECT_NE(contentHash(a), contentHash(b));
-    EXPECT_EQ(contentHash(a), contentHash(LiveActivityContentPayload(fullProvider(), {fullProvider()})));
+    EXPECT_NE(contentHash(LiveActivityContentPayload(fullProvider(), {fullProvider()})),
+              contentHash(LiveActivityContentPayload(fullProvider(), {fullProvider(), fullProvider()})));
 }
 
 }  // namespace

@@ -43,7 +43,6 @@ TEST(TimelinePolicy, EntriesAndReloadPerDataState) {
         {"20 min old", writtenAgo(20), {0, 10}, {0, 10}, 600},
         {"29 min 59 s old", writtenAgo(29 + 59.0 / 60), {0, 1.0 / 60}, {0, 1.0 / 60}, 600},
         {"exactly 30 min old", writtenAgo(30), {0}, {0}, 120},
-        {"45 min old", writtenAgo(45), {0}, {0}, 120},
         {"an hour in the future", writtenAgo(-60), {0, 15, 30, 90}, {0, 90}, 600},
     };
     for (const auto& c : cases) {
@@ -72,21 +71,6 @@ TEST(Staleness, BoundaryIsExactlyThirtyMinutes) {
     EXPECT_FALSE(isStale(emptyPayload(), kNow + 1e9));  // never written: never stale
     EXPECT_EQ(staleMoment(payload), kNow + 1800);
     EXPECT_EQ(staleMoment(emptyPayload()), std::nullopt);
-}
-
-TEST(TimelineFrom, EntriesDifferOnlyInDate) {
-    struct Entry {
-        Date date;
-        WidgetPayload payload;
-        int option = 7;
-    };
-    const auto timeline = timelineFrom(Entry{kNow, writtenAgo(10), 3}, kNow, true);
-    ASSERT_EQ(timeline.entries.size(), 3u);
-    for (const auto& e : timeline.entries) {
-        EXPECT_EQ(e.payload, writtenAgo(10));
-        EXPECT_EQ(e.option, 3);
-    }
-    EXPECT_EQ(timeline.reloadAfter, kNow + 600);
 }
 
 }  // namespace

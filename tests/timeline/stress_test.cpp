@@ -3,7 +3,6 @@
 // never change, and the report on disk is always one whole report.
 
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -30,9 +29,15 @@ using testing::TempDir;
 const BundleInfo kBundle{"9.9.9", "/opt/meterwick"};
 const WidgetToolChoice kClaude{"claude", "Claude", "Cla"};
 
-WidgetPayload stressPayload() {
-    return testing::payloadOf({testing::tool("claude", 20), testing::tool("codex", 70, "work")}, kNow - 600);
-}
+// A fresh container holding the payload every build reads.
+struct Container {
+    Container() {
+        testing::writePayload(
+            dir, testing::payloadOf({testing::tool("claude", 20), testing::tool("codex", 70, "work")}, kNow - 600));
+    }
+    ProviderContext context() const { return {dir.path(), kNow, kBundle}; }
+    TempDir dir;
+};
 
 // The five widgets' timelines from one container.
 struct Timelines {
@@ -44,34 +49,34 @@ struct Timelines {
     bool operator==(const Timelines&) const = default;
 };
 
-// Builds the timeline of kind `n % 5`; says which kind it built when it does
-// not match the reference.
-std::string buildOne(int n, const ProviderContext& ctx, const Timelines& reference) {
-    switch (n % 5) {
-        case 0:
-            return AccountsProvider::timeline(ctx) == reference.accounts ? "" : "accounts ";
-        case 1:
-            return AccountsLimitProvider::timeline({}, ctx) == reference.limit ? "" : "accounts-limit ";
-        case 2:
-            return DashboardProvider::timeline({kClaude}, ctx) == reference.dashboard ? "" : "dashboard ";
-        case 3:
-            return FocusProvider::timeline({}, ctx) == reference.focus ? "" : "focus ";
-        default:
-            return SparklineProvider::timeline({kClaude}, ctx) == reference.sparkline ? "" : "sparkline ";
-    }
-}
-
 Timelines buildAll(const ProviderContext& ctx) {
     return {AccountsProvider::timeline(ctx), AccountsLimitProvider::timeline({}, ctx),
             DashboardProvider::timeline({kClaude}, ctx), FocusProvider::timeline({}, ctx),
             SparklineProvider::timeline({kClaude}, ctx)};
 }
 
-// The timelines of a healthy, writable container holding `payload`.
-Timelines referenceFor(const WidgetPayload& payload) {
-    const TempDir dir;
-    testing::writePayload(dir, payload);
-    return buildAll({dir.path(), kNow, kBundle});
+// The timelines of a healthy, writable container. Built on first use, so
+// call it before forking or limiting the process.
+const Timelines& reference() {
+    static const Timelines timelines = buildAll(Container().context());
+    return timelines;
+}
+
+// Builds the timeline of kind `n % 5`; says which kind it built when it does
+// not match the reference.
+std::string buildOne(int n, const ProviderContext& ctx) {
+    switch (n % 5) {
+        case 0:
+            return AccountsProvider::timeline(ctx) == reference().accounts ? "" : "accounts ";
+        case 1:
+            return AccountsLimitProvider::timeline({}, ctx) == reference().limit ? "" : "accounts-limit ";
+        case 2:
+            return DashboardProvider::timeline({kClaude}, ctx) == reference().dashboard ? "" : "dashboard ";
+        case 3:
+            return FocusProvider::timeline({}, ctx) == reference().focus ? "" : "focus ";
+        default:
+            return SparklineProvider::timeline({kClaude}, ctx) == reference().sparkline ? "" : "sparkline ";
+    }
 }
 
 std::set<std::string> namesIn(const std::filesystem::path& dir) {
@@ -95,18 +100,17 @@ std::string judgeReport(const std::string& text) {
 // in threads of this one: every build gives the reference timeline, and a
 // reader never catches the report half-written.
 TEST(TimelineStress, ConcurrentBuildsAlwaysLeaveAWholeReport) {
-    const auto payload = stressPayload();
-    const auto reference = referenceFor(payload);
-    const TempDir dir;
-    testing::writePayload(dir, payload);
-    const ProviderContext ctx{dir.path(), kNow, kBundle};
+    reference();
+    const Container container;
+    const auto& dir = container.dir;
+    const auto ctx = container.context();
 
     const auto buildInThreads = [&](int threads, int each) {
         std::vector<std::string> problems(static_cast<std::size_t>(threads));
         std::vector<std::thread> workers;
         for (int t = 0; t < threads; ++t)
             workers.emplace_back([&, t] {
-                for (int i = 0; i < each; ++i) problems[static_cast<std::size_t>(t)] += buildOne(t + i, ctx, reference);
+                for (int i = 0; i < each; ++i) problems[static_cast<std::size_t>(t)] += buildOne(t + i, ctx);
             });
         for (auto& w : workers) w.join();
         std::string all;
@@ -155,12 +159,11 @@ TEST(TimelineStress, ConcurrentBuildsAlwaysLeaveAWholeReport) {
 // A report that cannot be written changes nothing else: the same timelines,
 // and whatever stood at the report's name before is left as it was.
 TEST(TimelineStress, AFullDiskLeavesTimelinesAndTheOldReportAlone) {
-    const auto payload = stressPayload();
-    const auto reference = referenceFor(payload);
+    reference();
     for (const rlim_t limit : {rlim_t{0}, rlim_t{64}}) {  // nothing fits; a report is cut off part way
-        const TempDir dir;
-        testing::writePayload(dir, payload);
-        const ProviderContext ctx{dir.path(), kNow, kBundle};
+        const Container container;
+        const auto& dir = container.dir;
+        const auto ctx = container.context();
         AccountsProvider::timeline(ctx);
         const auto before = testing::readFile(dir / kSelfReportFileName);
         ASSERT_GT(before.size(), limit);
@@ -170,7 +173,7 @@ TEST(TimelineStress, AFullDiskLeavesTimelinesAndTheOldReportAlone) {
             const struct rlimit small {limit, limit};
             if (::setrlimit(RLIMIT_FSIZE, &small) != 0) return std::string("setrlimit failed");
             std::string found;
-            for (int n = 0; n < 5; ++n) found += buildOne(n, ctx, reference);
+            for (int n = 0; n < 5; ++n) found += buildOne(n, ctx);
             return found.empty() ? "" : "timelines differ: " + found;
         });
         EXPECT_EQ(problems, "") << "limit " << limit;
@@ -180,45 +183,32 @@ TEST(TimelineStress, AFullDiskLeavesTimelinesAndTheOldReportAlone) {
     }
 }
 
+// A report that cannot be written at all: the same timelines, and the
+// container exactly as it was.
 TEST(TimelineStress, AContainerThatRefusesTheReportLeavesTimelinesAlone) {
-    const auto payload = stressPayload();
-    const auto reference = referenceFor(payload);
-    const struct {
-        const char* name;
-        bool needsNonRoot;
-        std::function<void(const TempDir&)> block;
-        std::function<void(const TempDir&)> checkAndUnblock;
-    } cases[] = {
-        // Works for root too: nothing renames a file over a directory.
-        {"a directory at the report's name", false,
-         [](const TempDir& d) {
-             std::filesystem::create_directory(d / kSelfReportFileName);
-             d.write(std::string(kSelfReportFileName) + "/inside", "kept");
-         },
-         [](const TempDir& d) {
-             EXPECT_TRUE(std::filesystem::is_directory(d / kSelfReportFileName));
-             EXPECT_EQ(testing::readFile(d / kSelfReportFileName / "inside"), "kept");
-         }},
-        {"a read-only container", true,
-         [](const TempDir& d) { std::filesystem::permissions(d.path(), std::filesystem::perms(0555)); },
-         [](const TempDir& d) {
-             EXPECT_FALSE(std::filesystem::exists(d / kSelfReportFileName));
-             std::filesystem::permissions(d.path(), std::filesystem::perms(0755));
-         }},
+    const auto expectUntouched = [](const Container& container, const char* name) {
+        const auto before = namesIn(container.dir.path());
+        EXPECT_EQ(buildAll(container.context()), reference()) << name;
+        EXPECT_EQ(namesIn(container.dir.path()), before) << name;
     };
-    for (const auto& c : cases) {
-        if (c.needsNonRoot && ::geteuid() == 0) {
-            std::printf("[ skipped  ] %s: permissions do not bind root\n", c.name);
-            continue;
-        }
-        const TempDir dir;
-        testing::writePayload(dir, payload);
-        c.block(dir);
-        const auto before = namesIn(dir.path());
-        EXPECT_EQ(buildAll({dir.path(), kNow, kBundle}), reference) << c.name;
-        EXPECT_EQ(namesIn(dir.path()), before) << c.name;
-        c.checkAndUnblock(dir);
+    {
+        // Works for root too: nothing renames a file over a directory.
+        const Container container;
+        const auto& dir = container.dir;
+        std::filesystem::create_directory(dir / kSelfReportFileName);
+        dir.write(std::string(kSelfReportFileName) + "/inside", "kept");
+        expectUntouched(container, "a directory at the report's name");
+        EXPECT_EQ(testing::readFile(dir / kSelfReportFileName / "inside"), "kept");
     }
+    if (::geteuid() == 0) {
+        std::printf("[ skipped  ] a read-only container: permissions do not bind root\n");
+        return;
+    }
+    const Container container;
+    std::filesystem::permissions(container.dir.path(), std::filesystem::perms(0555));
+    expectUntouched(container, "a read-only container");
+    EXPECT_FALSE(std::filesystem::exists(container.dir / kSelfReportFileName));
+    std::filesystem::permissions(container.dir.path(), std::filesystem::perms(0755));
 }
 
 }  // namespace
