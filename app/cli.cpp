@@ -16,11 +16,15 @@ std::optional<std::filesystem::path> containerFrom(const GlobalOptions& options)
     return std::filesystem::path(options.container);
 }
 
+std::string nowProblem(const std::string& text) {
+    if (parseISO8601(text)) return {};
+    return "\"" + text + "\" is not an ISO 8601 date-time such as 2025-01-31T14:05:00Z (whole seconds, with a zone)";
+}
+
 Date nowFrom(const GlobalOptions& options) {
     if (options.nowOption == nullptr || options.nowOption->count() == 0) return systemNow();
     if (const auto date = parseISO8601(options.now)) return *date;
-    throw UsageError("--now: \"" + options.now +
-                     "\" is not an ISO 8601 date-time such as 2025-01-31T14:05:00Z (whole seconds, with a zone)");
+    throw UsageError("--now: " + nowProblem(options.now));
 }
 
 ProviderContext providerContext(const GlobalOptions& options) {

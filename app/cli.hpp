@@ -37,6 +37,8 @@ struct GlobalOptions {
 // The container the command reads: --container when given (nothing when that
 // directory does not exist), else the environment's.
 std::optional<std::filesystem::path> containerFrom(const GlobalOptions& options);
+// Why TEXT cannot be --now, or nothing when it can.
+std::string nowProblem(const std::string& text);
 // --now, parsed, or the clock.
 Date nowFrom(const GlobalOptions& options);
 // Both, with this binary's bundle for the self-report.

@@ -21,7 +21,9 @@ int main(int argc, char** argv) {
         app.add_option("--container", options.container, "Shared container directory (overrides the environment)")
             ->type_name("DIR");
     options.nowOption =
-        app.add_option("--now", options.now, "The current time, ISO 8601 (default: the clock)")->type_name("DATE");
+        app.add_option("--now", options.now, "The current time, ISO 8601 (default: the clock)")
+            ->type_name("DATE")
+            ->check(nowProblem, "", "DATE");  // refused by every command, even those that never read the clock
 
     for (const auto registerCommands : {registerWidgetCommands, registerChoiceCommands, registerRenderCommands, registerPlaceCommands})
         registerCommands(app, options);

@@ -56,6 +56,8 @@ TEST(Cli, UsageErrorsExitWithStatusTwoAndSayWhy) {
         {"timeline accounts --set tool=claude", "has no options"},
         {"--now yesterday timeline focus", "--now"},
         {"--now 2025-01-31T14:05:00.5Z placeholder focus", "--now"},
+        {"--now yesterday kinds", "is not an ISO 8601 date-time"},  // even where the clock is never read
+        {"choices tool --now 2025-01-31", "--now"},
         {"frobnicate", ""},
         {"", ""},
         {"choices everything", ""},
