@@ -2,10 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
-
-#include "render/view.hpp"
 
 namespace mw::render {
 namespace {
@@ -33,23 +30,6 @@ TEST(Assets, LookupTriesExtensionsAndRefusesEscapes) {
     EXPECT_FALSE(assetPath("../CMakeLists.txt"));
     EXPECT_FALSE(assetPath("/etc/passwd"));
     EXPECT_FALSE(assetPath(""));
-}
-
-TEST(Views, ModifiersReturnNewValuesAndLeaveTheOriginal) {
-    const View circle = Circle();
-    const View trimmed = circle.trim(0, 0.5);
-    EXPECT_NE(&circle.node(), &trimmed.node());
-    const View copy = trimmed;
-    EXPECT_EQ(&copy.node(), &trimmed.node());  // copies share the node
-
-    // Shape and image modifiers on other views change nothing.
-    const View text = Text("x");
-    EXPECT_EQ(&text.trim(0, 1).node(), &text.node());
-    EXPECT_EQ(&text.resizable().node(), &text.node());
-
-    // Modifiers on an empty view keep it empty, so stacks can still skip it.
-    EXPECT_TRUE(View().padding(4).offset(1, 1).opacity(0.5).isEmpty());
-    EXPECT_FALSE(View().frame(10, 10).isEmpty());  // a frame takes space
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <functional>
 #include <limits>
 #include <string>
 #include <vector>
@@ -35,6 +34,9 @@ using testing::kWeek;
 using testing::pacedWindow;
 using testing::snapshot;
 using testing::window;
+using Texts = std::vector<std::string>;
+constexpr auto S = WidgetFamily::systemSmall, M = WidgetFamily::systemMedium, L = WidgetFamily::systemLarge,
+               XL = WidgetFamily::systemExtraLarge;
 
 const render::testing::FakeMeasurer kMeasurer;
 
@@ -48,19 +50,19 @@ DisplayList draw(const render::View& view, WidgetFamily family) {
 }
 
 // The drawn texts, less the one-letter initials of tools drawn without a logo.
-std::vector<std::string> textsOf(const DisplayList& list) {
-    std::vector<std::string> out;
+Texts textsOf(const DisplayList& list) {
+    Texts out;
     for (const auto& op : list.ops)
         if (const auto* t = std::get_if<TextDraw>(&op.item); t && t->text().size() > 1) out.push_back(t->text());
     return out;
 }
 
-std::size_t countOf(const std::vector<std::string>& texts, const std::string& text) {
+std::size_t countOf(const Texts& texts, const std::string& text) {
     return static_cast<std::size_t>(std::count(texts.begin(), texts.end(), text));
 }
 
 // How many texts show `line`, whole or cut short with an ellipsis.
-std::size_t shownCount(const std::vector<std::string>& texts, const std::string& line) {
+std::size_t shownCount(const Texts& texts, const std::string& line) {
     const std::string ellipsis = "\u2026";
     return static_cast<std::size_t>(std::count_if(texts.begin(), texts.end(), [&](const std::string& text) {
         if (text == line) return true;
@@ -69,68 +71,40 @@ std::size_t shownCount(const std::vector<std::string>& texts, const std::string&
     }));
 }
 
-std::vector<std::string> rowLinks(const DisplayList& list) {
-    std::vector<std::string> out;
-    for (const auto& link : list.links) out.push_back(link.url);
-    return out;
-}
-
 // `n` accounts, each with a 5-hour window burning fast enough to run out and
 // a weekly window, so every account has insight lines to offer.
-std::vector<WidgetAccount> accounts(std::size_t n) {
-    std::vector<WidgetAccount> out;
+AccountsBoard board(std::size_t n, WidgetFamily family, double age = 10) {
+    std::vector<WidgetAccount> accounts;
     for (std::size_t i = 0; i < n; ++i) {
-        out.push_back(account(snapshot(
+        accounts.push_back(account(snapshot(
             "tool" + std::to_string(i), std::nullopt,
             std::vector{pacedWindow("5h", 50, kFiveHours, 0.2), pacedWindow("Week", 30 + double(i), kWeek, 0.5)})));
     }
-    return out;
+    return {accounts, family, kNow, kNow - age, false};
 }
 
-AccountsBoard board(std::size_t n, WidgetFamily family, double age = 10) {
-    return {accounts(n), family, kNow, kNow - age, false};
-}
-
+// End to end, from the container to the drawing.
 TEST(AccountsWidgetView, PanelsFromThePayloadFile) {
-    WidgetPayload stale = testing::payloadOf({snapshot("claude", std::nullopt, std::vector{window("5h", 10)})});
+    auto payload = testing::payloadOf({snapshot("claude", std::nullopt, std::vector{window("5h", 10)})});
+    payload.updatedAt = kNow - 1799;
+    auto stale = payload;
     stale.updatedAt = kNow - 1800;
-    WidgetPayload fresh = stale;
-    fresh.updatedAt = kNow - 1799;
-    WidgetPayload hidden = fresh;
-    hidden.enabledToolIDs.clear();
-    WidgetPayload noAccounts = testing::payloadOf({snapshot("claude")});
-    noAccounts.tools[0].isConnected = false;  // no windows either: not listed
-
-    using Setup = std::function<void(const testing::TempDir&)>;
-    const auto file = [](const WidgetPayload& p) -> Setup {
-        return [bytes = encodePayload(p)](const testing::TempDir& d) { d.write(kPayloadFileName, bytes); };
-    };
-    struct Case {
+    const struct {
         const char* name;
-        Setup setup;  // nothing: no container at all
-        std::string title;
-        std::string symbol;
-    };
-    const Case cases[] = {
-        {"no container", nullptr, "Can't read widget data", "exclamationmark.triangle"},
-        {"missing", [](const testing::TempDir&) {}, "Waiting for Meterwick", "arrow.clockwise.circle"},
-        {"unreadable", [](const testing::TempDir& d) { std::filesystem::create_directory(d / kPayloadFileName); },
-         "Can't read widget data", "exclamationmark.triangle"},
-        {"decode failed", [](const testing::TempDir& d) { d.write(kPayloadFileName, "not json"); },
-         "Widget data unreadable", "exclamationmark.triangle"},
-        {"no tools", file(testing::payloadOf({})), "No providers connected", "link"},
-        {"all hidden", file(hidden), "All providers hidden", "eye.slash"},
-        {"nothing listed", file(noAccounts), "No accounts yet", "clock.arrow.circlepath"},
-        {"stale with accounts", file(stale), "Open Meterwick", "arrow.clockwise.circle"},
-        {"fresh: the board", file(fresh), "Usage", ""},
+        std::optional<std::string> file;  // nothing: no container at all
+        std::string title, symbol;
+    } cases[] = {
+        {"no container", std::nullopt, "Can't read widget data", "exclamationmark.triangle"},
+        {"decode failed", "not json", "Widget data unreadable", "exclamationmark.triangle"},
+        {"stale with accounts", encodePayload(stale), "Open Meterwick", "arrow.clockwise.circle"},
+        {"fresh: the board", encodePayload(payload), "Usage", ""},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         testing::TempDir dir;
-        if (c.setup) c.setup(dir);
-        ProviderContext context{c.setup ? std::optional(dir.path()) : std::nullopt, kNow, {}};
-        const auto list = draw(accountsWidgetView(AccountsProvider::snapshot(context), WidgetFamily::systemLarge),
-                               WidgetFamily::systemLarge);
+        if (c.file) dir.write(kPayloadFileName, *c.file);
+        ProviderContext context{c.file ? std::optional(dir.path()) : std::nullopt, kNow, {}};
+        const auto list = draw(accountsWidgetView(AccountsProvider::snapshot(context), L), L);
         EXPECT_NE(render::testing::textNamed(list, c.title), nullptr);
         const auto symbols = render::testing::opsOf(list, [&](const render::DrawOp& op) {
             const auto* image = std::get_if<render::ImageDraw>(&op.item);
@@ -141,57 +115,50 @@ TEST(AccountsWidgetView, PanelsFromThePayloadFile) {
 }
 
 TEST(AccountsBoard, RowCapsOverflowNoteAndInsightBudget) {
-    struct Case {
+    const struct {
         WidgetFamily family;
         std::size_t accounts, rows;
         std::string note;  // empty: none
         std::size_t insightLines;
-    };
-    const Case cases[] = {
-        {WidgetFamily::systemMedium, 5, 5, "", 0},       {WidgetFamily::systemMedium, 6, 4, "+2 more", 0},
-        {WidgetFamily::systemLarge, 4, 4, "", 3},        {WidgetFamily::systemLarge, 6, 6, "", 2},
-        {WidgetFamily::systemLarge, 7, 7, "", 0},        {WidgetFamily::systemLarge, 8, 6, "+2 more", 2},
-        {WidgetFamily::systemExtraLarge, 12, 12, "", 3}, {WidgetFamily::systemExtraLarge, 13, 11, "+2 more", 3},
-        {WidgetFamily::systemSmall, 1, 1, "", 3},        {WidgetFamily::systemSmall, 2, 0, "+2 more", 3},
+    } cases[] = {
+        {M, 5, 5, "", 0},        {M, 6, 4, "+2 more", 0},  {L, 4, 4, "", 3},  {L, 6, 6, "", 2},
+        {L, 7, 7, "", 0},        {L, 8, 6, "+2 more", 2},  {XL, 12, 12, "", 3}, {XL, 13, 11, "+2 more", 3},
+        {S, 1, 1, "", 3},        {S, 2, 0, "+2 more", 3},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(rawValue(c.family)) + " with " + std::to_string(c.accounts));
         const AccountsBoard b = board(c.accounts, c.family);
         const auto list = draw(body(b), c.family);
         const auto texts = textsOf(list);
-        EXPECT_EQ(rowLinks(list).size(), c.rows);
-        EXPECT_EQ(countOf(texts, "Usage"), c.family == WidgetFamily::systemMedium ? 0u : 1u);
-        for (std::size_t hidden = 1; hidden <= 3; ++hidden) {
-            if (overflowNoteText(hidden) != c.note) {
-                EXPECT_EQ(countOf(texts, overflowNoteText(hidden)), 0u);
-            }
-        }
+        EXPECT_EQ(list.links.size(), c.rows);
+        EXPECT_EQ(countOf(texts, "Usage"), c.family == M ? 0u : 1u);
+        // Medium has only the trailing group; the other sizes repeat it after the title.
+        const auto notes = std::ranges::count_if(texts, [](const std::string& t) { return t.ends_with(" more"); });
+        EXPECT_EQ(notes, c.note.empty() ? 0 : c.family == M ? 1 : 2);
         if (!c.note.empty()) {
-            // Medium has only the trailing group; the other sizes repeat it after the title.
-            EXPECT_EQ(countOf(texts, c.note), c.family == WidgetFamily::systemMedium ? 1u : 2u);
-            render::Rect note;
-            for (const auto& op : list.ops) {
-                if (const auto* t = std::get_if<TextDraw>(&op.item); t && t->text() == c.note) note = op.frame;
-            }
-            EXPECT_NEAR(note.maxX(), contentSize(c.family).width, 1e-6);  // the last one sits at the right edge
+            EXPECT_EQ(countOf(texts, c.note), static_cast<std::size_t>(notes));
+            const auto* last = render::testing::opsOf(list, [&](const render::DrawOp& op) {
+                const auto* t = std::get_if<TextDraw>(&op.item);
+                return t && t->text() == c.note;
+            }).back();
+            // The last one sits at the right edge.
+            EXPECT_NEAR(last->frame.maxX(), contentSize(c.family).width, 1e-6);
         }
         const auto lines = insights(b.accounts, b.now);
         ASSERT_GE(lines.size(), c.insightLines);
-        for (std::size_t i = 0; i < lines.size() && i <= c.insightLines; ++i) {
+        for (std::size_t i = 0; i < lines.size() && i <= c.insightLines; ++i)
             EXPECT_EQ(shownCount(texts, lines[i].text), i < c.insightLines ? 1u : 0u) << lines[i].text;
-        }
     }
 }
 
 TEST(AccountsBoard, DataAgeShowsFromFiveMinutes) {
-    for (const auto family : {WidgetFamily::systemMedium, WidgetFamily::systemLarge}) {
+    for (const auto family : {M, L}) {
         const auto young = textsOf(draw(body(board(2, family, 299)), family));
         EXPECT_EQ(countOf(young, "4m ago") + countOf(young, "Live"), 0u);
-        const auto old = textsOf(draw(body(board(2, family, 300)), family));
-        EXPECT_EQ(countOf(old, "5m ago"), 1u);
+        EXPECT_EQ(countOf(textsOf(draw(body(board(2, family, 300)), family)), "5m ago"), 1u);
     }
     // Hidden rows bring the trailing group, but fresh data still shows no age.
-    const auto hidden = textsOf(draw(body(board(6, WidgetFamily::systemMedium, 30)), WidgetFamily::systemMedium));
+    const auto hidden = textsOf(draw(body(board(6, M, 30)), M));
     EXPECT_EQ(countOf(hidden, "+2 more"), 1u);
     EXPECT_EQ(countOf(hidden, "Live"), 0u);
 }
@@ -200,25 +167,22 @@ TEST(AccountsBoard, RowsLinkToTheirAccountsInOrder) {
     std::vector<WidgetAccount> list{account(snapshot("codex")), account(snapshot("claude", "work")),
                                     account(snapshot("claude", "my team/é"))};
     for (auto& a : list) a.snapshot.windows = std::vector{window("5h", 20)};
-    const AccountsBoard b{list, WidgetFamily::systemLarge, kNow, kNow, false};
-    const auto drawn = draw(body(b), WidgetFamily::systemLarge);
-    EXPECT_EQ(rowLinks(drawn), (std::vector<std::string>{"meterwick://tool/codex", "meterwick://tool/claude:work",
-                                                         "meterwick://tool/claude:my%20team/%C3%A9"}));
-    for (const auto& link : drawn.links)
-        EXPECT_NEAR(link.rect.width, contentSize(WidgetFamily::systemLarge).width, 1e-6);
+    const auto drawn = draw(body(AccountsBoard{list, L, kNow, kNow, false}), L);
+    const Texts expected{"meterwick://tool/codex", "meterwick://tool/claude:work",
+                         "meterwick://tool/claude:my%20team/%C3%A9"};
+    ASSERT_EQ(drawn.links.size(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        EXPECT_EQ(drawn.links[i].url, expected[i]);
+        EXPECT_NEAR(drawn.links[i].rect.width, contentSize(L).width, 1e-6);
+    }
 }
 
 TEST(AccountRows, PercentText) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
-    struct Case {
-        double used;
-        const char* usedText;
-        const char* leftText;
-    };
-    for (const Case& c : {Case{62.9, "62%", "37%"}, Case{140, "140%", "0%"}, Case{-5, "0%", "105%"},
-                          Case{1500, "999%", "0%"}, Case{nan, "0%", "0%"}}) {
-        EXPECT_EQ(percentText(window("5h", c.used), false), c.usedText) << c.used;
-        EXPECT_EQ(percentText(window("5h", c.used), true), c.leftText) << c.used;
+    for (const auto& [used, usedText, leftText] : {std::tuple{62.9, "62%", "37%"}, {140.0, "140%", "0%"},
+                                                   {-5.0, "0%", "105%"}, {1500.0, "999%", "0%"}, {nan, "0%", "0%"}}) {
+        EXPECT_EQ(percentText(window("5h", used), false), usedText) << used;
+        EXPECT_EQ(percentText(window("5h", used), true), leftText) << used;
     }
 }
 
@@ -232,33 +196,21 @@ TEST(AccountRows, ShowWhatEachAccountHas) {
     noWindows.hasQuotaHeadline = false;
     noWindows.menuBarText = "$18.40";
 
-    const auto row = draw(body(AccountRow{account(both), kNow, false, 86}), WidgetFamily::systemLarge);
-    const auto texts = textsOf(row);
-    for (const char* text : {"Claude", "Work", "5h", "100%", "Week", "40%", "2h 10m"})
-        EXPECT_EQ(countOf(texts, text), 1u) << text;
+    // The weekly reset has passed: no countdown for it.
+    const auto row = draw(body(AccountRow{account(both), kNow, false, 86}), L);
+    EXPECT_EQ(textsOf(row), (Texts{"Claude", "Work", "5h", "100%", "2h 10m", "Week", "40%"}));
     EXPECT_EQ(render::testing::textNamed(row, "100%")->color, toRender(dangerRed()));
-    EXPECT_EQ(texts.size(), 7u);  // the weekly reset has passed: no countdown
-
-    EXPECT_EQ(textsOf(draw(body(AccountRow{account(plain), kNow, true, 86}), WidgetFamily::systemLarge)),
-              (std::vector<std::string>{"Codex", "Now", "80%"}));
-    EXPECT_EQ(textsOf(draw(body(AccountRow{account(noWindows), kNow, false, 86}), WidgetFamily::systemLarge)),
-              (std::vector<std::string>{"cursor", "$18.40"}));
-    EXPECT_EQ(textsOf(draw(body(CompactAccountRow{account(both), kNow, true}), WidgetFamily::systemMedium)),
-              (std::vector<std::string>{"Claude", "Work", "5h", "0%", "Week", "60%"}));
+    EXPECT_EQ(textsOf(draw(body(AccountRow{account(plain), kNow, true, 86}), L)), (Texts{"Codex", "Now", "80%"}));
+    EXPECT_EQ(textsOf(draw(body(AccountRow{account(noWindows), kNow, false, 86}), L)), (Texts{"cursor", "$18.40"}));
+    EXPECT_EQ(textsOf(draw(body(CompactAccountRow{account(both), kNow, true}), M)),
+              (Texts{"Claude", "Work", "5h", "0%", "Week", "60%"}));
 }
 
 TEST(AccountsBoard, FullestBoardsFitTheirWidgets) {
-    struct Case {
-        WidgetFamily family;
-        std::size_t accounts;
-    };
-    for (const Case& c : {Case{WidgetFamily::systemMedium, 5}, Case{WidgetFamily::systemMedium, 9},
-                          Case{WidgetFamily::systemLarge, 7}, Case{WidgetFamily::systemLarge, 9},
-                          Case{WidgetFamily::systemExtraLarge, 12}, Case{WidgetFamily::systemExtraLarge, 40}}) {
-        const auto size = contentSize(c.family);
-        const auto fit =
-            render::sizeThatFits(body(board(c.accounts, c.family, 900)), size.width, std::nullopt, kMeasurer);
-        EXPECT_LE(fit.height, size.height) << rawValue(c.family) << " with " << c.accounts;
+    for (const auto& [family, accounts] : {std::pair{M, 5}, {M, 9}, {L, 7}, {L, 9}, {XL, 12}, {XL, 40}}) {
+        const auto size = contentSize(family);
+        const auto fit = render::sizeThatFits(body(board(accounts, family, 900)), size.width, std::nullopt, kMeasurer);
+        EXPECT_LE(fit.height, size.height) << rawValue(family) << " with " << accounts;
     }
 }
 

@@ -22,21 +22,21 @@
 namespace mw {
 namespace {
 
+using mw::testing::kNow;
+using mw::testing::snapshot;
 using render::DisplayList;
-using render::DrawOp;
 using render::ShapeDraw;
 using render::TextDraw;
-using mw::testing::kNow;
-using mw::testing::payloadOf;
-using mw::testing::snapshot;
+using render::testing::textNamed;
 
 const render::testing::FakeMeasurer kMeasurer;
-constexpr render::Size kLarge{332, 350};
-constexpr render::Size kExtraLarge{748, 350};
 constexpr auto L = WidgetFamily::systemLarge;
 constexpr auto XL = WidgetFamily::systemExtraLarge;
+constexpr std::int64_t kMax = std::numeric_limits<std::int64_t>::max(), kMin = std::numeric_limits<std::int64_t>::min();
 
-render::Size contentSize(WidgetFamily family) { return family == XL ? kExtraLarge : kLarge; }
+render::Size contentSize(WidgetFamily family) {
+    return {family == XL ? 748.0 : 332.0, 350};
+}
 
 DashboardEntry entryOf(const WidgetPayload& payload, const std::string& id) {
     return DashboardEntry{kNow, payload, ReadStatus::ok, WidgetToolChoice{id, id, id}};
@@ -46,22 +46,11 @@ DisplayList lay(const DashboardEntry& entry, WidgetFamily family) {
     return render::layout(dashboardView(entry, family), contentSize(family), kMeasurer);
 }
 
-std::vector<std::string> texts(const DisplayList& list) {
-    std::vector<std::string> out;
-    for (const auto& op : list.ops)
-        if (const auto* t = std::get_if<TextDraw>(&op.item)) out.push_back(t->text());
-    return out;
-}
-
 bool hasText(const DisplayList& list, const std::string& text) {
-    const auto all = texts(list);
-    return std::find(all.begin(), all.end(), text) != all.end();
-}
-
-const TextDraw* textDraw(const DisplayList& list, const std::string& text) {
-    for (const auto& op : list.ops)
-        if (const auto* t = std::get_if<TextDraw>(&op.item); t && t->text() == text) return t;
-    return nullptr;
+    return std::any_of(list.ops.begin(), list.ops.end(), [&](const render::DrawOp& op) {
+        const auto* t = std::get_if<TextDraw>(&op.item);
+        return t && t->text() == text;
+    });
 }
 
 // The chart's bars: the only small-cornered rounded rectangles.
@@ -71,12 +60,6 @@ std::vector<const ShapeDraw*> bars(const DisplayList& list) {
         if (const auto* s = std::get_if<ShapeDraw>(&op.item);
             s && s->shape.kind == render::ShapeKind::roundedRectangle && s->shape.cornerRadius <= 2)
             out.push_back(s);
-    return out;
-}
-
-std::vector<WidgetDailyEntry> history(std::size_t days, double peak = 40) {
-    std::vector<WidgetDailyEntry> out;
-    for (std::size_t i = 0; i < days; ++i) out.push_back({"day " + std::to_string(i + 1), peak, 1, 1});
     return out;
 }
 
@@ -93,86 +76,54 @@ WidgetTokenSummary tokens() {
     return {1'284'310, 212'774, 8'930'112, 14.37, 31'877'402, 5'120'965, 220'411'870, 402.18, "model-x", {}};
 }
 
+// `cards` cards, `days` days of history at 40 %, and a token table if asked.
 WidgetDashboard dashboard(std::size_t cards, std::size_t days, bool withTokens) {
     WidgetDashboard d;
     d.subscriptionType = "Pro";
     for (std::size_t i = 0; i < cards; ++i) d.cards.push_back(card("Card " + std::to_string(i + 1)));
-    d.daily = history(days);
+    for (std::size_t i = 0; i < days; ++i) d.daily.push_back({"day " + std::to_string(i + 1), 40, 1, 1});
     if (withTokens) d.tokens = tokens();
     return d;
 }
 
 // One enabled tool "claude" with `d` as its dashboard, written a minute ago.
 WidgetPayload payloadWith(const WidgetDashboard& d) {
-    auto p = payloadOf({snapshot("claude")});
+    auto p = mw::testing::payloadOf({snapshot("claude")});
     p.updatedAt = kNow - 60;
     p.dashboards["claude"] = d;
     return p;
 }
 
+DisplayList drawn(const WidgetDashboard& d, WidgetFamily family) {
+    return lay(entryOf(payloadWith(d), "claude"), family);
+}
+
 // ---------------------------------------------------------------- number texts
 
 TEST(DashboardFormat, GroupedCounts) {
-    const struct {
-        std::int64_t value;
-        const char* text;
-    } cases[] = {
-        {0, "0"},
-        {999, "999"},
-        {1000, "1,000"},
-        {1'284'310, "1,284,310"},
-        {-1000, "-1,000"},
-        {-999, "-999"},
-        {std::numeric_limits<std::int64_t>::max(), "9,223,372,036,854,775,807"},
-        {std::numeric_limits<std::int64_t>::min(), "-9,223,372,036,854,775,808"},
-    };
-    for (const auto& c : cases) EXPECT_EQ(groupedCount(c.value), c.text) << c.value;
+    const std::pair<std::int64_t, const char*> cases[] = {
+        {0, "0"}, {999, "999"}, {1000, "1,000"}, {1'284'310, "1,284,310"}, {-1000, "-1,000"}, {-999, "-999"},
+        {kMax, "9,223,372,036,854,775,807"}, {kMin, "-9,223,372,036,854,775,808"}};
+    for (const auto& [value, text] : cases) EXPECT_EQ(groupedCount(value), text) << value;
 }
 
+// Halves round up, in integers, and may round into the next unit.
 TEST(DashboardFormat, CompactCountsKeepThreeSignificantDigits) {
-    const struct {
-        std::int64_t value;
-        const char* text;
-    } cases[] = {
-        {0, "0"},
-        {999, "999"},
-        {1000, "1K"},
-        {1500, "1.5K"},
-        {1'284'310, "1.28M"},
-        {1'285'000, "1.29M"},  // halves round up, in integers
-        {12'843'100, "12.8M"},
-        {128'431'000, "128M"},
-        {999'499, "999K"},
-        {999'500, "1M"},  // rounds into the next unit
-        {-1'284'310, "-1.28M"},
-        {2'000'000'000, "2B"},
-        {1'234'567'890'123, "1.23T"},
-        {999'999'999'999'999, "1e15"},
-        {std::numeric_limits<std::int64_t>::max(), "9.22e18"},
-        {std::numeric_limits<std::int64_t>::min(), "-9.22e18"},
-    };
-    for (const auto& c : cases) EXPECT_EQ(compactCount(c.value), c.text) << c.value;
+    const std::pair<std::int64_t, const char*> cases[] = {
+        {0, "0"}, {999, "999"}, {1000, "1K"}, {1500, "1.5K"}, {1'284'310, "1.28M"}, {1'285'000, "1.29M"},
+        {12'843'100, "12.8M"}, {128'431'000, "128M"}, {999'499, "999K"}, {999'500, "1M"}, {-1'284'310, "-1.28M"},
+        {2'000'000'000, "2B"}, {1'234'567'890'123, "1.23T"}, {999'999'999'999'999, "1e15"}, {kMax, "9.22e18"},
+        {kMin, "-9.22e18"}};
+    for (const auto& [value, text] : cases) EXPECT_EQ(compactCount(value), text) << value;
 }
 
+// No sign on a cost that rounds to nothing; a dash for what is not a number.
 TEST(DashboardFormat, DollarsRoundToTheCentHalvesAwayFromZero) {
-    const struct {
-        double value;
-        const char* text;
-    } cases[] = {
-        {0, "$0.00"},
-        {14.37, "$14.37"},
-        {14.375, "$14.38"},
-        {2.125, "$2.13"},
-        {-2.125, "-$2.13"},
-        {0.004, "$0.00"},
-        {-0.001, "$0.00"},  // no sign on a cost that rounds to nothing
-        {-3.5, "-$3.50"},
-        {1284.5, "$1,284.50"},
-        {1e21, "$1e21"},
-        {std::nan(""), "\xE2\x80\x94"},
-        {std::numeric_limits<double>::infinity(), "\xE2\x80\x94"},
-    };
-    for (const auto& c : cases) EXPECT_EQ(dollarText(c.value), c.text) << c.value;
+    const std::pair<double, const char*> cases[] = {
+        {0, "$0.00"}, {14.37, "$14.37"}, {14.375, "$14.38"}, {2.125, "$2.13"}, {-2.125, "-$2.13"}, {0.004, "$0.00"},
+        {-0.001, "$0.00"}, {-3.5, "-$3.50"}, {1284.5, "$1,284.50"}, {1e21, "$1e21"}, {std::nan(""), "\xE2\x80\x94"},
+        {std::numeric_limits<double>::infinity(), "\xE2\x80\x94"}};
+    for (const auto& [value, text] : cases) EXPECT_EQ(dollarText(value), text) << value;
     EXPECT_EQ(compactDollarText(402.18), "$402.18");
     EXPECT_EQ(compactDollarText(12'840.5), "$12.8K");
     EXPECT_EQ(compactDollarText(-2500), "-$2.5K");
@@ -185,14 +136,12 @@ TEST(DashboardFormat, TableGoesCompactAsAWholeWhenOneFigureIsTooLong) {
     auto costly = t;
     costly.monthCost = 123'456'789;  // "$123,456,789.00"
     EXPECT_EQ(tokenNumberStyle(costly, 11), NumberStyle::compact);
-    EXPECT_EQ(countText(1'284'310, NumberStyle::compact), "1.28M");
-    EXPECT_EQ(costText(14.37, NumberStyle::compact), "$14.37");
 }
 
-// ---------------------------------------------------------------- lookup and panels
+// ---------------------------------------------------------------- lookup, panels and link
 
 TEST(DashboardLookup, KeyThenToolIDThenPrimaryForHighestOnly) {
-    auto p = payloadOf({snapshot("claude", "work"), snapshot("codex")});
+    auto p = mw::testing::payloadOf({snapshot("claude", "work"), snapshot("codex")});
     p.tools[0].usagePercent = 80;
     WidgetDashboard work, claude, gemini;
     work.subscriptionType = "work";
@@ -200,34 +149,20 @@ TEST(DashboardLookup, KeyThenToolIDThenPrimaryForHighestOnly) {
     gemini.subscriptionType = "gemini";
     p.dashboards = {{"claude:work", work}, {"claude", claude}, {"gemini", gemini}};
     p.primarySparklineToolID = "gemini";
-
     EXPECT_EQ(dashboardRecord(entryOf(p, "claude:work"))->subscriptionType, "work");
     p.dashboards.erase("claude:work");
     EXPECT_EQ(dashboardRecord(entryOf(p, "claude:work"))->subscriptionType, "claude");
-    EXPECT_EQ(dashboardRecord(entryOf(p, "highest"))->subscriptionType, "claude");
     p.dashboards.erase("claude");
     EXPECT_EQ(dashboardRecord(entryOf(p, "highest"))->subscriptionType, "gemini");
     EXPECT_FALSE(dashboardRecord(entryOf(p, "claude:work")));  // the primary tool is for "highest" only
-    EXPECT_FALSE(dashboardRecord(entryOf(p, "codex")));
 }
 
-TEST(DashboardView, PanelsTakeTheWholeWidget) {
+
+TEST(DashboardView, PanelsTakeTheWholeWidgetAndTheTapNamesTheResolvedTool) {
     const auto p = samplePayload(kNow);
-    EXPECT_TRUE(hasText(lay(entryOf(p, "gemini"), L), "No dashboard yet"));  // enabled, but no record
-    auto emptyRecord = p;
-    emptyRecord.dashboards["claude"] = WidgetDashboard{"Max", {}, {}, std::nullopt, kNow, kNow, kNow, true, "Mac"};
-    EXPECT_TRUE(hasText(lay(entryOf(emptyRecord, "claude"), XL), "No dashboard yet"));
+    EXPECT_TRUE(hasText(lay(entryOf(p, "gemini"), XL), "No dashboard yet"));  // enabled, but no record
     EXPECT_TRUE(hasText(lay(DashboardEntry{kNow + 1800, p, ReadStatus::ok, {"claude", "Claude", "Claude"}}, L),
                         "Open Meterwick"));
-    auto hidden = p;
-    hidden.enabledToolIDs.clear();
-    EXPECT_TRUE(hasText(lay(entryOf(hidden, "codex"), XL), "codex is turned off"));
-    EXPECT_TRUE(hasText(lay(DashboardEntry{kNow, emptyPayload(), ReadStatus::missing, {"codex", "C", "C"}}, L),
-                        "Waiting for Meterwick"));
-}
-
-TEST(DashboardView, TapURLNamesTheResolvedTool) {
-    const auto p = samplePayload(kNow);
     EXPECT_EQ(dashboardTapURL(entryOf(p, "claude:work")), "meterwick://tool/claude:work");
     EXPECT_EQ(dashboardTapURL(entryOf(p, "highest")), "meterwick://tool/claude:work");  // 91 % session
     EXPECT_EQ(dashboardTapURL(entryOf(emptyPayload(), "highest")), "meterwick://open");
@@ -235,30 +170,11 @@ TEST(DashboardView, TapURLNamesTheResolvedTool) {
 
 // ---------------------------------------------------------------- plan
 
-TEST(DashboardPlan, SectionsOnlyForDataThatExists) {
-    for (const auto family : {L, XL}) {
-        const auto full = dashboardPlan(dashboard(3, 20, true), family);
-        EXPECT_EQ(full.cardsShown, 3u);
-        EXPECT_GT(full.chartDays, 0u);
-        EXPECT_EQ(full.tableRows, 2);
-
-        const auto bare = dashboardPlan(dashboard(0, 0, false), family);
-        EXPECT_EQ(bare.cardColumns, 0u);
-        EXPECT_EQ(bare.chartDays, 0u);
-        EXPECT_EQ(bare.tableRows, 0);
-        EXPECT_FALSE(bare.sideBySide);
-    }
-    EXPECT_TRUE(dashboardPlan(dashboard(3, 20, true), XL).sideBySide);
-    EXPECT_FALSE(dashboardPlan(dashboard(3, 20, false), XL).sideBySide);  // nothing to set beside the cards
-    EXPECT_FALSE(dashboardPlan(dashboard(3, 20, true), L).sideBySide);
-}
-
 TEST(DashboardPlan, DailyWindowIsFourteenDaysLargeAndThirtyExtraLarge) {
     const struct {
         std::size_t days;
         WidgetFamily family;
-        std::size_t shown;
-        std::size_t slots;
+        std::size_t shown, slots;
     } cases[] = {{40, L, 14, 14}, {40, XL, 30, 30}, {14, L, 14, 14}, {5, L, 5, 14}, {5, XL, 5, 30}, {1, XL, 1, 30}};
     for (const auto& c : cases) {
         const auto plan = dashboardPlan(dashboard(3, c.days, true), c.family);
@@ -267,25 +183,23 @@ TEST(DashboardPlan, DailyWindowIsFourteenDaysLargeAndThirtyExtraLarge) {
     }
 }
 
+// Extra large sets the cards beside the table when there is one, else across the whole width.
 TEST(DashboardPlan, CardGrid) {
     const struct {
         std::size_t cards;
         WidgetFamily family;
         bool tokens;
-        std::size_t columns;
-        std::size_t shown;
-        bool wide;
-    } cases[] = {
-        {1, L, true, 1, 1, true},    {2, L, true, 2, 2, true},   {3, L, true, 3, 3, false},
-        {4, L, false, 2, 4, true},   {5, L, false, 3, 5, false}, {9, L, false, 3, 6, false},
-        {3, XL, true, 3, 3, false},  // beside the table
-        {3, XL, false, 3, 3, true},  // across the whole width
-    };
+        std::size_t columns, shown;
+        bool wide, sideBySide;
+    } cases[] = {{1, L, true, 1, 1, true, false},  {2, L, true, 2, 2, true, false},   {3, L, true, 3, 3, false, false},
+                 {4, L, false, 2, 4, true, false}, {5, L, false, 3, 5, false, false}, {9, L, false, 3, 6, false, false},
+                 {3, XL, true, 3, 3, false, true}, {3, XL, false, 3, 3, true, false}};
     for (const auto& c : cases) {
         const auto plan = dashboardPlan(dashboard(c.cards, 14, c.tokens), c.family);
         EXPECT_EQ(plan.cardColumns, c.columns) << c.cards;
         EXPECT_EQ(plan.cardsShown, c.shown) << c.cards;
         EXPECT_EQ(plan.wideCards, c.wide) << c.cards;
+        EXPECT_EQ(plan.sideBySide, c.sideBySide) << c.cards;
     }
 }
 
@@ -307,9 +221,9 @@ TEST(DashboardView, DemoShowsEverySection) {
     const auto p = samplePayload(kNow);
     for (const auto family : {L, XL}) {
         const auto list = lay(entryOf(p, "claude"), family);
-        for (const char* text : {"Claude \xC2\xB7 Personal", "Max 5x", "Session", "Weekly", "Opus", "62%",
-                                 "Daily peak", "Tokens", "claude-sonnet-4-5", "Today", "Month", "Input", "Cost",
-                                 "1,284,310", "$402.18", "Updated 2m ago \xC2\xB7 next in 3m"})
+        for (const char* text : {"Claude \xC2\xB7 Personal", "Max 5x", "Session", "Weekly", "Opus", "62%", "Daily peak",
+                                 "Tokens", "claude-sonnet-4-5", "Today", "Month", "Input", "Cost", "1,284,310",
+                                 "$402.18", "Updated 2m ago \xC2\xB7 next in 3m"})
             EXPECT_TRUE(hasText(list, text)) << text;
         EXPECT_FALSE(hasText(list, "Rate limited"));
         EXPECT_EQ(bars(list).size(), family == L ? 14u : 30u);
@@ -317,48 +231,42 @@ TEST(DashboardView, DemoShowsEverySection) {
 }
 
 TEST(DashboardView, MissingDataLeavesItsSectionOut) {
-    const auto noTokens = lay(entryOf(payloadWith(dashboard(2, 3, false)), "claude"), L);
+    const auto noTokens = drawn(dashboard(2, 3, false), L);
     EXPECT_FALSE(hasText(noTokens, "Tokens"));
     EXPECT_TRUE(hasText(noTokens, "Daily peak"));
-
-    const auto noCards = lay(entryOf(payloadWith(dashboard(0, 3, true)), "claude"), XL);
+    const auto noCards = drawn(dashboard(0, 3, true), XL);
     EXPECT_FALSE(hasText(noCards, "Card 1"));
     EXPECT_TRUE(hasText(noCards, "Tokens"));
-
-    const auto noHistory = lay(entryOf(payloadWith(dashboard(2, 0, true)), "claude"), L);
+    const auto noHistory = drawn(dashboard(2, 0, true), L);
     EXPECT_FALSE(hasText(noHistory, "Daily peak"));
     EXPECT_TRUE(bars(noHistory).empty());
     EXPECT_TRUE(hasText(noHistory, "Card 2"));
 }
 
-TEST(DashboardView, BarsTurnRedFromNinetyPercent) {
+TEST(DashboardView, BarsTurnRedFromNinetyPercentAndOneDayShowsOneBar) {
     auto d = dashboard(0, 0, false);
     d.daily = {{"a", 89.9, 1, 1}, {"b", 90, 1, 1}, {"c", 140, 1, 1}};
-    const auto list = lay(entryOf(payloadWith(d), "claude"), L);
-    const auto found = bars(list);
+    const auto found = bars(drawn(d, L));
     ASSERT_EQ(found.size(), 3u);
-    const auto tool = toRender(toolColor(snapshot("claude")));
-    EXPECT_EQ(found[0]->color, tool);
+    EXPECT_EQ(found[0]->color, render::Color::rgb(0x11 / 255.0, 0x22 / 255.0, 0x33 / 255.0));  // the tool's brand
     EXPECT_EQ(found[1]->color, toRender(dangerRed()));
     EXPECT_EQ(found[2]->color, toRender(dangerRed()));
-    EXPECT_EQ(dailyBarColor(89.99, Color::accent()), Color::accent());
+
+    const auto one = drawn(dashboard(0, 1, false), L);
+    EXPECT_EQ(bars(one).size(), 1u);
+    EXPECT_TRUE(hasText(one, "day 1"));
+    EXPECT_TRUE(hasText(one, "1 day"));
 }
 
-TEST(DashboardView, OneDayShowsOneBarAndOneDateLabel) {
-    const auto list = lay(entryOf(payloadWith(dashboard(0, 1, false)), "claude"), L);
-    EXPECT_EQ(bars(list).size(), 1u);
-    EXPECT_TRUE(hasText(list, "day 1"));
-    EXPECT_TRUE(hasText(list, "1 day"));
-}
-
-TEST(DashboardView, HeaderCapsules) {
+TEST(DashboardView, HeaderCapsulesAndTheRecordsOwnTimeInTheFooter) {
     auto d = dashboard(1, 1, false);
     d.isRateLimited = true;
-    const auto list = lay(entryOf(payloadWith(d), "claude"), L);
-    const auto* limited = textDraw(list, "Rate limited");
-    ASSERT_NE(limited, nullptr);
-    EXPECT_EQ(limited->color, toRender(dangerRed()));
-    EXPECT_EQ(textDraw(list, "Pro")->color, render::Color::secondary());
+    d.lastUpdated = kNow - 600;  // wins over the payload's time
+    const auto list = drawn(d, L);
+    ASSERT_TRUE(hasText(list, "Rate limited"));
+    EXPECT_EQ(textNamed(list, "Rate limited")->color, toRender(dangerRed()));
+    EXPECT_EQ(textNamed(list, "Pro")->color, render::Color::secondary());
+    EXPECT_TRUE(hasText(list, "Updated 10m ago"));
 }
 
 TEST(DashboardView, CardTexts) {
@@ -379,10 +287,10 @@ TEST(DashboardView, CardTexts) {
     d.cards = {c, idle};
     auto p = payloadWith(d);
     auto list = lay(entryOf(p, "claude"), L);
-    EXPECT_TRUE(hasText(list, "62%"));  // truncated
-    EXPECT_EQ(textDraw(list, "+6% vs pace")->color, toRender(warnOrange()));
-    EXPECT_DOUBLE_EQ(textDraw(list, "Idle")->color.opacity(), 0.45);
-    EXPECT_DOUBLE_EQ(textDraw(list, "Weekly")->color.opacity(), 1);
+    ASSERT_TRUE(hasText(list, "62%"));  // truncated
+    EXPECT_EQ(textNamed(list, "+6% vs pace")->color, toRender(warnOrange()));
+    EXPECT_DOUBLE_EQ(textNamed(list, "Idle")->color.opacity(), 0.45);
+    EXPECT_DOUBLE_EQ(textNamed(list, "Weekly")->color.opacity(), 1);
 
     p.showRemaining = true;  // the ring shows what is left
     list = lay(entryOf(p, "claude"), L);
@@ -393,7 +301,7 @@ TEST(DashboardView, CardTexts) {
 TEST(DashboardView, TableFiguresGoCompactWhenTheyDoNotFit) {
     auto d = dashboard(3, 14, true);
     d.tokens->monthCache = 98'765'432'109'876;
-    const auto list = lay(entryOf(payloadWith(d), "claude"), XL);
+    const auto list = drawn(d, XL);
     EXPECT_TRUE(hasText(list, "98.8T"));
     EXPECT_TRUE(hasText(list, "1.28M"));
     EXPECT_FALSE(hasText(list, "1,284,310"));
@@ -401,56 +309,39 @@ TEST(DashboardView, TableFiguresGoCompactWhenTheyDoNotFit) {
 
 TEST(DashboardView, FooterText) {
     const Date now = kNow;
-    const struct {
-        DashboardFooter footer;
-        const char* text;
-    } cases[] = {
+    const std::pair<DashboardFooter, const char*> cases[] = {
         {{now, now - 30, std::nullopt, std::nullopt}, "Updated now"},
         {{now, now - 150, now + 180, std::nullopt}, "Updated 2m ago \xC2\xB7 next in 3m"},
         {{now, now - 150, now + 20, "Studio"}, "Updated 2m ago \xC2\xB7 next in <1m \xC2\xB7 via Studio"},
         {{now, now - 7200, now - 5, "Studio"}, "Updated 2h ago \xC2\xB7 via Studio"},  // refresh overdue
         {{now, now, now + 7500, ""}, "Updated now \xC2\xB7 next in 2h 5m"},
     };
-    for (const auto& c : cases) EXPECT_EQ(dashboardFooterText(c.footer), c.text);
-
-    // The record's own time wins over the payload's.
-    auto d = dashboard(1, 1, false);
-    d.lastUpdated = kNow - 600;
-    EXPECT_TRUE(hasText(lay(entryOf(payloadWith(d), "claude"), L), "Updated 10m ago"));
+    for (const auto& [footer, text] : cases) EXPECT_EQ(dashboardFooterText(footer), text);
 }
 
 // Whatever the data, every drawing stays inside the content area.
 TEST(DashboardView, NothingLeavesTheContentArea) {
     const std::string longText(200, 'W');
-    std::vector<WidgetDashboard> records{dashboard(1, 1, false), dashboard(3, 14, true), dashboard(6, 30, true),
-                                         dashboard(9, 60, true),  dashboard(4, 0, true),  dashboard(0, 2, true)};
     auto loud = dashboard(6, 30, true);
-    loud.subscriptionType = longText;
+    loud.subscriptionType = loud.relayedFrom.emplace(longText);
     loud.isRateLimited = true;
-    loud.relayedFrom = longText;
     loud.tokens->monthCache = std::numeric_limits<std::int64_t>::max();
     loud.tokens->model = longText;
-    for (auto& c : loud.cards) {
-        c.title = longText;
-        c.resetText = longText;
-        c.rateDeltaText = longText;
-    }
-    records.push_back(loud);
-
-    for (const auto& record : records) {
+    for (auto& c : loud.cards) c.title = c.resetText = c.rateDeltaText.emplace(longText);
+    for (const auto& record : {dashboard(1, 1, false), dashboard(3, 14, true), dashboard(6, 30, true),
+                               dashboard(9, 60, true), dashboard(4, 0, true), dashboard(0, 2, true), loud}) {
         auto p = payloadWith(record);
         p.tools[0].displayName = longText;
         p.updatedAt = kNow - 900;  // old enough for a freshness mark in the header, not stale
         for (const auto family : {L, XL}) {
             const auto size = contentSize(family);
             const auto list = lay(entryOf(p, "claude"), family);
-            ASSERT_NE(render::testing::textNamed(list, "Updated 15m ago"), nullptr) << "the dashboard, not a panel";
+            ASSERT_NE(textNamed(list, "Updated 15m ago"), nullptr) << "the dashboard, not a panel";
             for (const auto& op : list.ops) {
-                const auto r = op.frame;
-                EXPECT_GE(r.minX(), -0.5);
-                EXPECT_GE(r.minY(), -0.5);
-                EXPECT_LE(r.maxX(), size.width + 0.5) << record.cards.size() << " cards";
-                EXPECT_LE(r.maxY(), size.height + 0.5) << record.cards.size() << " cards";
+                EXPECT_GE(op.frame.minX(), -0.5);
+                EXPECT_GE(op.frame.minY(), -0.5);
+                EXPECT_LE(op.frame.maxX(), size.width + 0.5) << record.cards.size() << " cards";
+                EXPECT_LE(op.frame.maxY(), size.height + 0.5) << record.cards.size() << " cards";
             }
         }
     }

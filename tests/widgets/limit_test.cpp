@@ -19,11 +19,17 @@ namespace {
 
 using render::DisplayList;
 using render::TextDraw;
+using render::testing::textNamed;
 using mw::testing::kFiveHours;
 using mw::testing::kNow;
 using mw::testing::kWeek;
 using mw::testing::snapshot;
 using mw::testing::window;
+using Texts = std::vector<std::string>;
+constexpr auto M = WidgetFamily::systemMedium, L = WidgetFamily::systemLarge, XL = WidgetFamily::systemExtraLarge;
+constexpr auto kWeekly = WidgetLimitChoice::weekly, kFiveHour = WidgetLimitChoice::fiveHour;
+constexpr auto kLeft = WidgetPercentChoice::left, kUsed = WidgetPercentChoice::used;
+const std::string kDash = "\u2014";
 
 const render::testing::FakeMeasurer kMeasurer;
 
@@ -44,25 +50,22 @@ WidgetToolSnapshot account(std::string toolID, std::optional<std::string> slug, 
     return s;
 }
 
+// Written a minute before kNow.
 WidgetPayload payloadOf(std::vector<WidgetToolSnapshot> tools) {
     auto p = mw::testing::payloadOf(std::move(tools));
     p.updatedAt = kNow - 60;
     return p;
 }
 
-AccountsLimitEntry entryOf(WidgetPayload payload, WidgetProviderChoice provider = allProvidersChoice(),
-                           WidgetLimitChoice limit = WidgetLimitChoice::weekly,
-                           WidgetPercentChoice percent = WidgetPercentChoice::left,
-                           WidgetOrderChoice order = WidgetOrderChoice::mostRoom) {
-    return AccountsLimitEntry{kNow, std::move(payload), ReadStatus::ok, std::move(provider), limit, percent, order};
-}
-
-DisplayList lay(const AccountsLimitEntry& entry, WidgetFamily family) {
+DisplayList lay(WidgetPayload payload, WidgetFamily family, WidgetProviderChoice provider = allProvidersChoice(),
+                WidgetLimitChoice limit = kWeekly, WidgetPercentChoice percent = kLeft,
+                WidgetOrderChoice order = WidgetOrderChoice::mostRoom) {
+    const AccountsLimitEntry entry{kNow, std::move(payload), ReadStatus::ok, std::move(provider), limit, percent, order};
     return render::layout(accountsLimitView(entry, family), contentSize(family), kMeasurer);
 }
 
-std::vector<std::string> texts(const DisplayList& list) {
-    std::vector<std::string> out;
+Texts texts(const DisplayList& list) {
+    Texts out;
     for (const auto& op : list.ops)
         if (const auto* t = std::get_if<TextDraw>(&op.item)) out.push_back(t->text());
     return out;
@@ -74,128 +77,97 @@ bool hasText(const DisplayList& list, const std::string& text) {
 }
 
 // The figures of the rows in paint order: the texts ending in "%" or the dash.
-std::vector<std::string> figures(const DisplayList& list) {
-    std::vector<std::string> out;
+Texts figures(const DisplayList& list) {
+    Texts out;
     for (const auto& text : texts(list))
-        if (text == "\u2014" || (!text.empty() && text.back() == '%')) out.push_back(text);
+        if (text == kDash || (!text.empty() && text.back() == '%')) out.push_back(text);
     return out;
 }
 
-std::vector<std::string> rowURLs(const DisplayList& list) {
-    std::vector<std::string> out;
+Texts rowURLs(const DisplayList& list) {
+    Texts out;
     for (const auto& link : list.links) out.push_back(link.url);
     return out;
 }
 
-TEST(LimitBoard, TitleNamesTheLimitAndWhatIsShown) {
-    EXPECT_EQ(limitBoardTitle(WidgetLimitChoice::weekly, WidgetPercentChoice::left), "Weekly room");
-    EXPECT_EQ(limitBoardTitle(WidgetLimitChoice::fiveHour, WidgetPercentChoice::left), "5-hour room");
-    EXPECT_EQ(limitBoardTitle(WidgetLimitChoice::weekly, WidgetPercentChoice::used), "Weekly used");
-    EXPECT_EQ(limitBoardTitle(WidgetLimitChoice::fiveHour, WidgetPercentChoice::used), "5-hour used");
-}
-
 TEST(LimitBoard, HeaderCarriesTitleProviderNameAndAge) {
-    const auto payload = payloadOf({account("claude", std::nullopt, 10, 20), account("codex", std::nullopt, 5, 5)});
-    const auto all = lay(entryOf(payload, allProvidersChoice(), WidgetLimitChoice::fiveHour, WidgetPercentChoice::used),
-                         WidgetFamily::systemMedium);
+    EXPECT_EQ(limitBoardTitle(kWeekly, kLeft), "Weekly room");
+    EXPECT_EQ(limitBoardTitle(kFiveHour, kLeft), "5-hour room");
+    EXPECT_EQ(limitBoardTitle(kWeekly, kUsed), "Weekly used");
+    EXPECT_EQ(limitBoardTitle(kFiveHour, kUsed), "5-hour used");
+
+    auto payload = payloadOf({account("claude", std::nullopt, 10, 20), account("codex", std::nullopt, 5, 5)});
+    const auto all = lay(payload, M, allProvidersChoice(), kFiveHour, kUsed);
     EXPECT_TRUE(hasText(all, "5-hour used"));
     EXPECT_FALSE(hasText(all, "All providers"));
 
-    const auto one = lay(entryOf(payload, {"claude", "Claude"}), WidgetFamily::systemLarge);
-    EXPECT_TRUE(hasText(one, "Weekly room"));
+    const auto one = lay(payload, L, {"claude", "Claude"});
     EXPECT_TRUE(hasText(one, "Claude"));
-
-    // The title is 12 pt bold, like the Accounts board's.
-    const TextDraw* title = render::testing::textNamed(one, "Weekly room");
+    const TextDraw* title = textNamed(one, "Weekly room");  // 12 pt bold, like the Accounts board's
     ASSERT_NE(title, nullptr);
     EXPECT_EQ(title->runs.front().style.font, render::Font::system(12, render::Weight::bold));
 
     // Fresh data shows no age; five minutes old shows it.
     EXPECT_FALSE(hasText(one, "1m ago"));
-    auto old = payload;
-    old.updatedAt = kNow - 300;
-    EXPECT_TRUE(hasText(lay(entryOf(old), WidgetFamily::systemMedium), "5m ago"));
+    payload.updatedAt = kNow - 300;
+    EXPECT_TRUE(hasText(lay(payload, M), "5m ago"));
 }
 
 TEST(LimitBoard, RowsRankByRoomLeftWithMissingWindowsLastAndDashed) {
     const auto payload = payloadOf({
-        account("a", std::nullopt, 10, 80),   // 20 left
-        account("b", std::nullopt, 10, -1),   // no weekly window
-        account("c", std::nullopt, 10, 42.5), // 57.5 left
-        account("d", std::nullopt, 10, 130),  // over the limit: 0 left
+        account("a", std::nullopt, 10, 80),    // 20 left
+        account("b", std::nullopt, 10, -1),    // no weekly window
+        account("c", std::nullopt, 10, 42.5),  // 57.5 left
+        account("d", std::nullopt, 10, 130),   // over the limit: 0 left
     });
-    for (const auto family : {WidgetFamily::systemMedium, WidgetFamily::systemLarge, WidgetFamily::systemExtraLarge}) {
-        const auto left = lay(entryOf(payload), family);
-        EXPECT_EQ(figures(left), (std::vector<std::string>{"57%", "20%", "0%", "\u2014"}));
-        EXPECT_EQ(rowURLs(left), (std::vector<std::string>{"meterwick://tool/c", "meterwick://tool/a",
-                                                           "meterwick://tool/d", "meterwick://tool/b"}));
+    for (const auto family : {M, L, XL}) {
+        const auto left = lay(payload, family);
+        EXPECT_EQ(figures(left), (Texts{"57%", "20%", "0%", kDash}));
+        EXPECT_EQ(rowURLs(left), (Texts{"meterwick://tool/c", "meterwick://tool/a", "meterwick://tool/d",
+                                        "meterwick://tool/b"}));
     }
     // Percent used keeps the ranking by room and prints the use (truncated).
-    const auto used = lay(entryOf(payload, allProvidersChoice(), WidgetLimitChoice::weekly, WidgetPercentChoice::used),
-                          WidgetFamily::systemMedium);
-    EXPECT_EQ(figures(used), (std::vector<std::string>{"42%", "80%", "130%", "\u2014"}));
-
+    EXPECT_EQ(figures(lay(payload, M, allProvidersChoice(), kWeekly, kUsed)), (Texts{"42%", "80%", "130%", kDash}));
     // The app's order is the account order as it stands.
-    const auto app = lay(entryOf(payload, allProvidersChoice(), WidgetLimitChoice::weekly, WidgetPercentChoice::left,
-                                 WidgetOrderChoice::app),
-                         WidgetFamily::systemMedium);
-    EXPECT_EQ(figures(app), (std::vector<std::string>{"20%", "\u2014", "57%", "0%"}));
-}
+    EXPECT_EQ(figures(lay(payload, M, allProvidersChoice(), kWeekly, kLeft, WidgetOrderChoice::app)),
+              (Texts{"20%", kDash, "57%", "0%"}));
 
-TEST(LimitBoard, RowWithoutTheWindowHasNoResetAndAnEmptyTrack) {
-    const auto payload = payloadOf({account("b", std::nullopt, 10, -1), account("a", std::nullopt, 10, 50)});
-    const auto list = lay(entryOf(payload), WidgetFamily::systemLarge);
-    // b comes last, and after its dash nothing: no reset countdown.
+    // The windowless row comes last, dashed, with no reset countdown after it.
+    const auto list = lay(payload, L);
     EXPECT_TRUE(hasText(list, "2d 1h"));
-    EXPECT_EQ(texts(list).back(), "\u2014");
-    const TextDraw* dash = render::testing::textNamed(list, "\u2014");
-    ASSERT_NE(dash, nullptr);
-    EXPECT_EQ(dash->color, render::Color::tertiary());
+    EXPECT_EQ(texts(list).back(), kDash);
+    EXPECT_EQ(textNamed(list, kDash)->color, render::Color::tertiary());
 }
 
-TEST(LimitBoard, FigureTakesTheWindowsFillColour) {
-    const auto tool = account("a", std::nullopt, 95, 10);  // a short window at 95 %: danger
-    const auto list = lay(entryOf(payloadOf({tool}), allProvidersChoice(), WidgetLimitChoice::fiveHour),
-                          WidgetFamily::systemMedium);
-    const TextDraw* figure = render::testing::textNamed(list, "5%");
-    ASSERT_NE(figure, nullptr);
-    EXPECT_EQ(figure->color, toRender(dangerRed()));
-    EXPECT_EQ(figure->color, toRender(fillColor(tool.windows->front(), toolColor(tool), kNow)));
-}
+TEST(LimitBoard, FigureTakesTheWindowsFillColourAndProvidersFilterRows) {
+    // A short window at 95 %: danger.
+    const auto danger = lay(payloadOf({account("a", std::nullopt, 95, 10)}), M, allProvidersChoice(), kFiveHour);
+    ASSERT_NE(textNamed(danger, "5%"), nullptr);
+    EXPECT_EQ(textNamed(danger, "5%")->color, toRender(dangerRed()));
 
-TEST(LimitBoard, ProviderChoiceFiltersRows) {
     const auto payload = payloadOf({account("claude", std::nullopt, 10, 20), account("codex", std::nullopt, 5, 5),
                                     account("claude", "work", 10, 60)});
-    const auto list = lay(entryOf(payload, {"claude", "Claude"}), WidgetFamily::systemLarge);
-    EXPECT_EQ(rowURLs(list),
-              (std::vector<std::string>{"meterwick://tool/claude", "meterwick://tool/claude:work"}));
+    const auto list = lay(payload, L, {"claude", "Claude"});
+    EXPECT_EQ(rowURLs(list), (Texts{"meterwick://tool/claude", "meterwick://tool/claude:work"}));
     EXPECT_TRUE(hasText(list, "work"));  // the account title beside the provider title
 }
 
 TEST(LimitBoard, RowCapsPerFamilyWithOverflowNote) {
     const struct {
         WidgetFamily family;
-        std::size_t accounts;
-        std::size_t rows;
-    } cases[] = {
-        {WidgetFamily::systemMedium, 5, 5},       {WidgetFamily::systemMedium, 6, 4},
-        {WidgetFamily::systemLarge, 7, 7},        {WidgetFamily::systemLarge, 8, 6},
-        {WidgetFamily::systemExtraLarge, 12, 12}, {WidgetFamily::systemExtraLarge, 13, 11},
-        {WidgetFamily::systemExtraLarge, 40, 11},
-    };
+        std::size_t accounts, rows;
+    } cases[] = {{M, 5, 5}, {M, 6, 4}, {L, 7, 7}, {L, 8, 6}, {XL, 12, 12}, {XL, 13, 11}, {XL, 40, 11}};
     for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(rawValue(c.family)) + " with " + std::to_string(c.accounts));
         std::vector<WidgetToolSnapshot> tools;
         for (std::size_t i = 0; i < c.accounts; ++i)
             tools.push_back(account("t", "a" + std::to_string(i), 10, static_cast<double>(i)));
-        const auto list = lay(entryOf(payloadOf(tools)), c.family);
-        const auto size = contentSize(c.family);
-        EXPECT_EQ(list.links.size(), c.rows) << rawValue(c.family) << " " << c.accounts;
-        const std::string note = "+" + std::to_string(c.accounts - c.rows) + " more";
-        EXPECT_EQ(hasText(list, note), c.accounts > c.rows) << note;
-        // Every shown row lies inside the content area.
-        for (const auto& link : list.links) {
-            EXPECT_LE(link.rect.maxY(), size.height + 1e-6) << rawValue(c.family) << " " << c.accounts;
-            EXPECT_LE(link.rect.maxX(), size.width + 1e-6);
+        const auto list = lay(payloadOf(tools), c.family);
+        EXPECT_EQ(list.links.size(), c.rows);
+        EXPECT_EQ(hasText(list, "+" + std::to_string(c.accounts - c.rows) + " more"), c.accounts > c.rows);
+        for (const auto& link : list.links) {  // every shown row lies inside the content area
+            EXPECT_LE(link.rect.maxY(), contentSize(c.family).height + 1e-6);
+            EXPECT_LE(link.rect.maxX(), contentSize(c.family).width + 1e-6);
         }
     }
 }
@@ -203,13 +175,12 @@ TEST(LimitBoard, RowCapsPerFamilyWithOverflowNote) {
 TEST(LimitView, DrawsThePanelInPlaceOfTheBoard) {
     auto stale = payloadOf({account("claude", std::nullopt, 10, 20)});
     stale.updatedAt = kNow - 1800;
-    const auto list = lay(entryOf(stale), WidgetFamily::systemMedium);
+    const auto list = lay(stale, M);
     EXPECT_TRUE(hasText(list, "Open Meterwick"));
     EXPECT_TRUE(list.links.empty());
-
     // Accounts, but none with the chosen window: the panel, not a board of dashes.
-    const auto noWeekly = entryOf(payloadOf({account("claude", std::nullopt, 10, -1)}), {"claude", "Claude"});
-    EXPECT_TRUE(hasText(lay(noWeekly, WidgetFamily::systemLarge), "No Claude accounts yet"));
+    EXPECT_TRUE(hasText(lay(payloadOf({account("claude", std::nullopt, 10, -1)}), L, {"claude", "Claude"}),
+                        "No Claude accounts yet"));
 }
 
 }  // namespace
