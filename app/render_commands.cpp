@@ -1,5 +1,7 @@
 // render, describe, gallery, demo: the widgets drawn from their timelines.
 
+#include <cmath>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -145,7 +147,11 @@ void registerRenderCommands(CLI::App& app, const GlobalOptions& options) {
     auto renderArgs = std::make_shared<DrawArguments>();
     addDrawOptions(*renderCommand, *renderArgs);
     renderCommand->add_option("--scale", renderArgs->scale, "Pixels per point for PNG (default 2)")
-        ->check(CLI::Range(0.25, 8.0));
+        ->check(CLI::Range(0.25, 8.0))
+        ->check([](const std::string& text) {
+            // A range check lets "nan" through: no comparison with it fails.
+            return std::isnan(std::strtod(text.c_str(), nullptr)) ? "\"" + text + "\" is not a number" : std::string();
+        });
     renderCommand->add_option("--output", renderArgs->output, "The file to write: .png, .svg or .pdf")
         ->required()
         ->type_name("FILE");

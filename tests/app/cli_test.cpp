@@ -58,6 +58,7 @@ TEST(Cli, UsageErrorsExitWithStatusTwoAndSayWhy) {
         {"--now 2025-01-31T14:05:00.5Z placeholder focus", "--now"},
         {"--now yesterday kinds", "is not an ISO 8601 date-time"},  // even where the clock is never read
         {"choices tool --now 2025-01-31", "--now"},
+        {"render focus --scale nan --output x.png", "is not a number"},
         {"frobnicate", ""},
         {"", ""},
         {"choices everything", ""},
