@@ -246,7 +246,8 @@ TEST(DashboardView, MissingDataLeavesItsSectionOut) {
 TEST(DashboardView, BarsTurnRedFromNinetyPercentAndOneDayShowsOneBar) {
     auto d = dashboard(0, 0, false);
     d.daily = {{"a", 89.9, 1, 1}, {"b", 90, 1, 1}, {"c", 140, 1, 1}};
-    const auto found = bars(drawn(d, L));
+    const auto list = drawn(d, L);  // `bars` points into it
+    const auto found = bars(list);
     ASSERT_EQ(found.size(), 3u);
     EXPECT_EQ(found[0]->color, render::Color::rgb(0x11 / 255.0, 0x22 / 255.0, 0x33 / 255.0));  // the tool's brand
     EXPECT_EQ(found[1]->color, toRender(dangerRed()));
