@@ -5,7 +5,7 @@ set -euo pipefail
 MW_ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 
 MW_PACKAGES=(
-  g++ cmake make pkg-config
+  g++ cmake make pkg-config ccache
   nlohmann-json3-dev libcli11-dev
   libcairo2-dev libpango1.0-dev librsvg2-dev fonts-inter
   libgtest-dev libgmock-dev libbenchmark-dev
