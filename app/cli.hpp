@@ -57,6 +57,14 @@ CLI::Option* addSetOption(CLI::App& command, std::vector<std::string>& assignmen
 // JSON on stdout, indented by two, one document per command.
 void printJSON(const nlohmann::ordered_json& json);
 
+// A command group: adds its subcommands to the app.
+using CommandRegistrar = void (*)(CLI::App& app, const GlobalOptions& options);
+
+// Parses ARGV with the global options and the groups' commands, runs the
+// command and returns the exit status (2 for bad input, 1 when the command
+// could not be carried out).
+int runCommandLine(int argc, char** argv, std::initializer_list<CommandRegistrar> groups);
+
 // Command groups.
 void registerWidgetCommands(CLI::App& app, const GlobalOptions& options);  // kinds, placeholder, snapshot, timeline
 void registerChoiceCommands(CLI::App& app, const GlobalOptions& options);  // choices, lookup

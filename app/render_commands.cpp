@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "app/cli.hpp"
+#include "app/drawing.hpp"
 #include "bundle/widget_view.hpp"
 #include "payload/codec.hpp"
 #include "payload/sample.hpp"
@@ -143,7 +144,7 @@ void writeIndex(const std::filesystem::path& dir, const std::vector<GalleryItem>
 }  // namespace
 
 void registerRenderCommands(CLI::App& app, const GlobalOptions& options) {
-    auto* renderCommand = app.add_subcommand("render", "Draws an entry of a widget's timeline to PNG, SVG or PDF");
+    auto* renderCommand = app.add_subcommand("render", drawingCommandDescription("render"));
     auto renderArgs = std::make_shared<DrawArguments>();
     addDrawOptions(*renderCommand, *renderArgs);
     renderCommand->add_option("--scale", renderArgs->scale, "Pixels per point for PNG (default 2)")
@@ -164,7 +165,7 @@ void registerRenderCommands(CLI::App& app, const GlobalOptions& options) {
             throw std::runtime_error(error);
     });
 
-    auto* describeCommand = app.add_subcommand("describe", "The laid-out view of an entry as JSON");
+    auto* describeCommand = app.add_subcommand("describe", drawingCommandDescription("describe"));
     auto describeArgs = std::make_shared<DrawArguments>();
     addDrawOptions(*describeCommand, *describeArgs);
     describeCommand->callback([&options, describeArgs] {
@@ -172,14 +173,14 @@ void registerRenderCommands(CLI::App& app, const GlobalOptions& options) {
         std::cout << render::describe(list, appearanceFrom(describeArgs->appearance)).dump(2) << '\n';
     });
 
-    auto* gallery = app.add_subcommand("gallery", "Every widget in every family, light and dark, as PNG");
+    auto* gallery = app.add_subcommand("gallery", drawingCommandDescription("gallery"));
     auto galleryDir = std::make_shared<std::string>();
     gallery->add_option("--output", *galleryDir, "The directory to write into")->required()->type_name("DIR");
     gallery->callback([&options, galleryDir] {
         writeIndex(*galleryDir, drawGallery(providerContext(options), *galleryDir));
     });
 
-    auto* demo = app.add_subcommand("demo", "Writes the sample payload into a new container and draws the gallery");
+    auto* demo = app.add_subcommand("demo", drawingCommandDescription("demo"));
     auto demoDir = std::make_shared<std::string>("out/demo");
     demo->add_option("--output", *demoDir, "The directory to write into (default out/demo)")->type_name("DIR");
     demo->callback([&options, demoDir] {

@@ -116,5 +116,45 @@ TEST(Cli, ChoicesAndLookup) {
               nlohmann::json::parse(R"([{"id":"gemini","label":"Gemini"},{"id":"all","label":"All providers"}])"));
 }
 
+// Every library the dynamic loader brings in, dlopen included, is named in
+// LD_DEBUG's trace; a command that draws nothing must not pull in a
+// drawing stack (nor GIO, which only a call to the running host opens).
+TEST(Cli, CommandsThatDrawNothingLoadNoDrawingLibrary) {
+    const TempDir container, config;
+    testing::writePayload(container, testing::payloadOf({testing::tool("claude", 30)}));
+    const std::string environment = "XDG_CONFIG_HOME='" + config.path().string() + "' LD_DEBUG=libs ";
+    for (const char* command : {"kinds", "placeholder focus", "snapshot accounts", "timeline dashboard",
+                                "choices provider", "lookup tool claude", "list"}) {
+        const TempDir io;
+        const std::string line = environment + "'" MW_CLI_PATH "' " + in(container) + command + " >/dev/null 2>'" +
+                                 (io / "trace").string() + "'";
+        EXPECT_EQ(WEXITSTATUS(std::system(line.c_str())), 0) << command;
+        const auto trace = testing::readFile(io / "trace");
+        EXPECT_NE(trace.find("libstdc++"), std::string::npos) << "no loader trace for " << command;
+        for (const char* library : {"libcairo", "libpango", "librsvg", "libfontconfig", "libharfbuzz", "libgio",
+                                    "libgtk", "libpng"})
+            EXPECT_EQ(trace.find(library), std::string::npos) << command << " loads " << library;
+    }
+}
+
+// The drawing commands run in a second program; the user sees one.
+TEST(Cli, DrawingCommandsAnswerUnderTheSameName) {
+    const TempDir out;
+    const auto png = out / "focus.png";
+    const auto drawn = run("--now 2025-01-31T14:05:00Z render focus --scale 1 --output '" + png.string() + "'");
+    EXPECT_EQ(drawn.status, 0) << drawn.err;
+    EXPECT_EQ(testing::readFile(png).substr(1, 3), "PNG");
+
+    const auto described = succeeded("describe focus --family systemSmall --now 2025-01-31T14:05:00Z");
+    EXPECT_EQ(described["size"], nlohmann::json::parse("[170,170]"));
+
+    const auto help = run("render --help");
+    EXPECT_EQ(help.status, 0);
+    EXPECT_NE(help.out.find("meterwick-widgets render"), std::string::npos) << help.out;
+    const auto overview = run("--help");
+    for (const char* command : {"timeline", "render", "gallery"})
+        EXPECT_NE(overview.out.find(command), std::string::npos) << command;
+}
+
 }  // namespace
 }  // namespace mw
