@@ -9,7 +9,9 @@ MW_PACKAGES=(
   nlohmann-json3-dev libcli11-dev
   libcairo2-dev libpango1.0-dev librsvg2-dev fonts-inter
   libgtest-dev libgmock-dev libbenchmark-dev
-  libgtkmm-3.0-dev libgtk-layer-shell-dev libglib2.0-bin
+  libgtk-3-dev libgtk-layer-shell-dev libglib2.0-bin
+  libglibmm-2.4-dev  # the command's calls to the running host (giomm)
+  libgtkmm-3.0-dev   # only the benchmarks' gtkmm floor; the host uses GTK's C API
   xvfb xauth xdotool dbus-daemon dbus-x11
   clang libclang-rt-14-dev
 )

@@ -1,14 +1,15 @@
 #pragma once
 // What the host follows on the desktop besides its own files: the light/dark
-// preference (toolkit settings and the settings portal), the machine waking
-// from sleep (logind), and the wall clock being set.
+// preference (toolkit settings and the settings portal, read again whenever
+// the portal appears), the machine waking from sleep (logind), and the wall
+// clock being set.
 
-#include <gtkmm.h>
+#include <gtk/gtk.h>
 
 #include <functional>
 #include <memory>
-#include <optional>
 
+#include "app/host/glib_support.hpp"
 #include "host/desktop.hpp"
 
 namespace mw::host {
@@ -23,12 +24,18 @@ class DesktopWatch {
     render::Appearance appearance() const { return desktopAppearance(preferences_); }
 
   private:
+    static void portalAppeared(GDBusConnection* connection, const gchar* name, const gchar* owner, gpointer self);
+    static void portalVanished(GDBusConnection* connection, const gchar* name, gpointer self);
+    static void portalSignal(GDBusConnection* connection, const gchar* sender, const gchar* path,
+                             const gchar* interface, const gchar* signal, GVariant* parameters, gpointer self);
+    static void portalRead(GObject* source, GAsyncResult* result, gpointer self);
+    static void systemBusReady(GObject* source, GAsyncResult* result, gpointer self);
+    static void preparingForSleep(GDBusConnection* connection, const gchar* sender, const gchar* path,
+                                  const gchar* interface, const gchar* signal, GVariant* parameters, gpointer self);
+    static gboolean clockWoke(gint fd, GIOCondition condition, gpointer self);
+
     void readToolkitSettings();
-    void connectPortal();
-    void onPortalSignal(const Glib::ustring& sender, const Glib::ustring& signal,
-                        const Glib::VariantContainerBase& parameters);
-    void setPortalScheme(const Glib::VariantBase& value);
-    void connectLogind();
+    void setPortalScheme(GVariant* value);
     void armClockWatch();
     void changed();
 
@@ -37,14 +44,15 @@ class DesktopWatch {
     DesktopPreferences preferences_;
     render::Appearance last_ = render::Appearance::light;
 
-    sigc::connection themeName_;
-    sigc::connection preferDark_;
-    Glib::RefPtr<Gio::DBus::Proxy> portal_;
-    Glib::RefPtr<Gio::DBus::Connection> systemBus_;
+    Connection themeName_, preferDark_;
+    guint portalWatch_ = 0;
+    ObjectRef<GDBusConnection> sessionBus_;
+    guint portalSubscription_ = 0;
+    ObjectRef<GCancellable> cancellable_{g_cancellable_new()};  // async replies after this is gone
+    ObjectRef<GDBusConnection> systemBus_;
     guint sleepSubscription_ = 0;
     int clockFd_ = -1;
-    sigc::connection clockWatch_;
-    std::shared_ptr<bool> lifetime_ = std::make_shared<bool>(true);  // async replies check it
+    guint clockWatch_ = 0;
 };
 
 }  // namespace mw::host

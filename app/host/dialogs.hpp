@@ -3,7 +3,7 @@
 // they change) and Add Widget (the five widgets in gallery order with a
 // preview, their description and a family choice).
 
-#include <gtkmm.h>
+#include <gtk/gtk.h>
 
 #include <filesystem>
 #include <functional>
@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "app/host/glib_support.hpp"
 #include "bundle/bundle.hpp"
 #include "render/color.hpp"
 #include "render/display_list.hpp"
@@ -31,20 +32,35 @@ ParameterChoices choicesFor(const IntentParameter& parameter, const std::optiona
 // else what an unset parameter means.
 std::string selectedValue(const IntentParameter& parameter, const IntentParameters& stored);
 
-class EditWidgetDialog : public Gtk::Dialog {
+// A dialog window that GTK destroys when this is destroyed.
+class Dialog {
+  public:
+    Dialog();
+    ~Dialog();
+    Dialog(const Dialog&) = delete;
+    Dialog& operator=(const Dialog&) = delete;
+    void present();
+
+  protected:
+    GtkWidget* dialog_;
+    GtkWidget* content_;
+
+  private:
+    Connection response_, delete_;
+};
+
+class EditWidgetDialog : public Dialog {
   public:
     using Apply = std::function<void(const std::string& name, const std::string& value)>;
     EditWidgetDialog(const IntentDescription& intent, const IntentParameters& stored,
                      const std::optional<std::filesystem::path>& container, Apply apply);
 
   private:
-    Gtk::Grid grid_;
-    std::vector<std::unique_ptr<Gtk::Label>> labels_;
-    std::vector<std::unique_ptr<Gtk::ComboBoxText>> lists_;
     Apply apply_;
+    std::vector<Connection> changed_;
 };
 
-class AddWidgetDialog : public Gtk::Dialog {
+class AddWidgetDialog : public Dialog {
   public:
     using Add = std::function<void(const WidgetDeclaration& widget, WidgetFamily family)>;
     AddWidgetDialog(std::function<render::Appearance()> appearance, Add add);
@@ -54,22 +70,15 @@ class AddWidgetDialog : public Gtk::Dialog {
   private:
     struct Row {
         const WidgetDeclaration* widget = nullptr;
-        Gtk::Box box{Gtk::ORIENTATION_HORIZONTAL, 16};
-        Gtk::DrawingArea preview;
-        Gtk::Box texts{Gtk::ORIENTATION_VERTICAL, 4};
-        Gtk::Label name;
-        Gtk::Label description;
-        Gtk::Box controls{Gtk::ORIENTATION_HORIZONTAL, 8};
-        Gtk::ComboBoxText family;
-        Gtk::Button add{"Add"};
+        GtkWidget* preview = nullptr;
+        GtkWidget* family = nullptr;
         render::DisplayList list;
+        Connection draw, familyChanged, clicked;
     };
     void updatePreview(Row& row);
 
     std::function<render::Appearance()> appearance_;
     Add add_;
-    Gtk::ScrolledWindow scroller_;
-    Gtk::Box rowsBox_{Gtk::ORIENTATION_VERTICAL, 12};
     std::vector<std::unique_ptr<Row>> rows_;
 };
 

@@ -6,7 +6,6 @@
 #include <cmath>
 #include <csignal>
 #include <cstdlib>
-#include <iostream>
 
 #include "app/host/dialogs.hpp"
 #include "app/host/widget_window.hpp"
@@ -21,25 +20,69 @@ namespace mw::host {
 namespace {
 
 // The application replaces files by renaming; a burst of events becomes one reload.
-constexpr unsigned kFileChangeDebounceMilliseconds = 300;
+constexpr guint kFileChangeDebounceMilliseconds = 300;
 
 gboolean quitOnSignal(gpointer application) {
-    static_cast<HostApplication*>(application)->quit();
+    g_application_quit(G_APPLICATION(application));
     return G_SOURCE_CONTINUE;
+}
+
+// Runs `done` once `count` calls of the returned function have been made
+// (at once when `count` is zero).
+std::function<void()> afterAll(std::size_t count, std::function<void()> done) {
+    if (count == 0) {
+        if (done) done();
+        return [] {};
+    }
+    auto left = std::make_shared<std::size_t>(count);
+    auto shared = std::make_shared<std::function<void()>>(std::move(done));
+    return [left, shared] {
+        if (*left > 0 && --*left == 0 && *shared) (*shared)();
+    };
 }
 
 }  // namespace
 
-HostApplication::HostApplication()
-    : Gtk::Application(kHostBusName), vtable_(sigc::mem_fun(*this, &HostApplication::onMethodCall)) {
-    Glib::set_application_name("Meterwick Widgets");
+FileWatch::FileWatch(const std::filesystem::path& dir, std::string fileName, std::function<void()> action)
+    : fileName_(std::move(fileName)), action_(std::move(action)) {
+    ObjectRef<GFile> file(g_file_new_for_path(dir.c_str()));
+    GError* raw = nullptr;
+    monitor_.reset(g_file_monitor_directory(file.get(), G_FILE_MONITOR_WATCH_MOVES, nullptr, &raw));
+    ErrorRef error(raw);
+    if (!monitor_) {
+        report("cannot watch " + dir.string() + ": " + (raw != nullptr ? raw->message : "unknown error"));
+        return;
+    }
+    changed_ = connect<void(GFileMonitor*, GFile*, GFile*, GFileMonitorEvent)>(
+        monitor_.get(), "changed", [this](GFileMonitor*, GFile* file, GFile* other, GFileMonitorEvent event) {
+            if (event == G_FILE_MONITOR_EVENT_ATTRIBUTE_CHANGED) return;
+            const auto named = [&](GFile* f) {
+                if (f == nullptr) return false;
+                gchar* name = g_file_get_basename(f);
+                const bool same = name != nullptr && fileName_ == name;
+                g_free(name);
+                return same;
+            };
+            if (!named(file) && !named(other)) return;  // the self-report and temporaries live here too
+            debounce_ = timeoutOnce(kFileChangeDebounceMilliseconds, [this] { action_(); });
+        });
+}
+
+HostApplication::HostApplication() : application_(gtk_application_new(kHostBusName, G_APPLICATION_DEFAULT_FLAGS)) {
+    g_set_application_name("Meterwick Widgets");
+    connectForLife<void(GApplication*)>(application_, "startup", [this](GApplication*) { startup(); });
+    connectForLife<void(GApplication*)>(application_, "shutdown", [this](GApplication*) { shutdown(); });
+    // Started again while running: the windows are already there.
+    connectForLife<void(GApplication*)>(application_, "activate", [](GApplication*) {});
 }
 
 HostApplication::~HostApplication() {
-    payloadDebounce_.disconnect();
-    storeDebounce_.disconnect();
-    if (busConnection_ && busRegistration_ != 0) busConnection_->unregister_object(busRegistration_);
-    windows_.clear();
+    shutdown();
+    g_object_unref(application_);
+}
+
+int HostApplication::run(int argc, char** argv) {
+    return g_application_run(G_APPLICATION(application_), argc, argv);
 }
 
 ProviderContext HostApplication::providerContext() const {
@@ -48,16 +91,11 @@ ProviderContext HostApplication::providerContext() const {
     return {containerDirectory(), Date{std::floor(systemNow().seconds)}, SelfReportAnchor::bundle()};
 }
 
-void HostApplication::report(const std::string& message) const {
-    std::cerr << "meterwick-widget-host: " << message << std::endl;
-}
-
-void HostApplication::on_startup() {
-    Gtk::Application::on_startup();
+void HostApplication::startup() {
     // GTK adopts the user's locale; the widgets' figures are formatted like
     // the command's, with a decimal point, whatever the language.
     std::setlocale(LC_NUMERIC, "C");
-    hold();  // keep running with no widget placed: one may be placed later
+    g_application_hold(G_APPLICATION(application_));  // keep running with no widget placed: one may be placed later
 
     storeFile_ = placementsFile();
     if (!storeFile_) report("neither XDG_CONFIG_HOME nor HOME is set: no placed widgets can be read");
@@ -67,106 +105,187 @@ void HostApplication::on_startup() {
         std::filesystem::create_directories(*snapshotDirectory_, ec);
     }
 
-    desktopWatch_ =
-        std::make_unique<DesktopWatch>([this](render::Appearance a) { setAppearance(a); }, [this] { recheckAll(); });
+    builds_ = std::make_unique<BackgroundQueue>();
+    desktopWatch_ = std::make_unique<DesktopWatch>(
+        [this](render::Appearance a) {
+            auto f = [&] { setAppearance(a); };
+            guardedVoid(f);
+        },
+        [this] {
+            auto f = [&] { recheckAll(); };
+            guardedVoid(f);
+        });
     appearance_ = desktopWatch_->appearance();
-    g_unix_signal_add(SIGTERM, quitOnSignal, this);
-    g_unix_signal_add(SIGINT, quitOnSignal, this);
+    termSignal_ = g_unix_signal_add(SIGTERM, quitOnSignal, application_);
+    intSignal_ = g_unix_signal_add(SIGINT, quitOnSignal, application_);
 
     registerBusObject();
     watchFiles();
     syncPlacements();
 }
 
-// Started again while running: the windows are already there.
-void HostApplication::on_activate() {}
+// Windows and dialogs go while GTK is still up; a build still running is
+// left to end with the process.
+void HostApplication::shutdown() {
+    sync_.reset();
+    payloadWatch_.reset();
+    storeWatch_.reset();
+    if (busConnection_ != nullptr && busRegistration_ != 0)
+        g_dbus_connection_unregister_object(busConnection_, busRegistration_);
+    busRegistration_ = 0;
+    if (introspection_ != nullptr) g_dbus_node_info_unref(std::exchange(introspection_, nullptr));
+    addDialog_.reset();
+    windows_.clear();
+    desktopWatch_.reset();
+    builds_.reset();
+    if (termSignal_ != 0) g_source_remove(std::exchange(termSignal_, 0));
+    if (intSignal_ != 0) g_source_remove(std::exchange(intSignal_, 0));
+}
 
 void HostApplication::registerBusObject() {
-    const auto connection = get_dbus_connection();
-    if (!connection) {
+    busConnection_ = g_application_get_dbus_connection(G_APPLICATION(application_));
+    if (busConnection_ == nullptr) {
         report("no session bus: reload requests cannot reach this host");
         return;
     }
+    GError* raw = nullptr;
+    introspection_ = g_dbus_node_info_new_for_xml(kHostInterfaceXML, &raw);
+    if (introspection_ != nullptr) {
+        static const GDBusInterfaceVTable table{methodCall, nullptr, nullptr, {}};
+        busRegistration_ = g_dbus_connection_register_object(
+            busConnection_, kHostObjectPath, g_dbus_node_info_lookup_interface(introspection_, kHostInterface), &table,
+            this, nullptr, &raw);
+    }
+    ErrorRef error(raw);
+    if (busRegistration_ == 0)
+        report(std::string("cannot offer reloads on the session bus: ") + (raw != nullptr ? raw->message : "?"));
+}
+
+void HostApplication::methodCall(GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar* method,
+                                 GVariant* parameters, GDBusMethodInvocation* invocation, gpointer self) {
+    auto answer = [&] { static_cast<HostApplication*>(self)->answer(method, parameters, invocation); };
     try {
-        introspection_ = Gio::DBus::NodeInfo::create_for_xml(kHostInterfaceXML);
-        busRegistration_ =
-            connection->register_object(kHostObjectPath, introspection_->lookup_interface(kHostInterface), vtable_);
-        busConnection_ = connection;
-    } catch (const Glib::Error& error) {
-        report(std::string("cannot offer reloads on the session bus: ") + error.what());
+        answer();
+    } catch (const std::exception& e) {
+        report(std::string("internal error: ") + e.what());
+        g_dbus_method_invocation_return_dbus_error(invocation, "org.freedesktop.DBus.Error.Failed", e.what());
     }
 }
 
-void HostApplication::onMethodCall(const Glib::RefPtr<Gio::DBus::Connection>&, const Glib::ustring&,
-                                   const Glib::ustring&, const Glib::ustring&, const Glib::ustring& methodName,
-                                   const Glib::VariantContainerBase& parameters,
-                                   const Glib::RefPtr<Gio::DBus::MethodInvocation>& invocation) {
-    if (methodName == "ReloadTimelines") {
-        Glib::Variant<Glib::ustring> kind;
-        parameters.get_child(kind, 0);
-        const auto* widget = findWidget(kind.get().raw());
+// Reloads answer once the widgets show their new timelines, so a caller
+// that waits for the reply sees them drawn.
+void HostApplication::answer(const std::string& method, GVariant* parameters, GDBusMethodInvocation* invocation) {
+    // The invocation is answered exactly once, possibly later.
+    auto reply = [invocation = static_cast<GDBusMethodInvocation*>(g_object_ref(invocation))] {
+        g_dbus_method_invocation_return_value(invocation, nullptr);
+        g_object_unref(invocation);
+    };
+    if (method == "ReloadTimelines") {
+        const gchar* kind = nullptr;
+        g_variant_get(parameters, "(&s)", &kind);
+        const auto* widget = findWidget(kind);
         if (widget == nullptr) {
-            invocation->return_dbus_error(kHostUnknownKindError, "unknown widget kind \"" + kind.get() + "\"");
+            g_dbus_method_invocation_return_dbus_error(invocation, kHostUnknownKindError,
+                                                       ("unknown widget kind \"" + std::string(kind) + "\"").c_str());
             return;
         }
-        reloadKind(widget->kind);
-        invocation->return_value(Glib::VariantContainerBase());
-    } else if (methodName == "ReloadAllTimelines") {
-        const auto created = syncPlacements();  // new windows have just built theirs
-        for (auto& [id, window] : windows_)
-            if (!created.contains(id)) window->reload();
-        invocation->return_value(Glib::VariantContainerBase());
-    } else if (methodName == "Status") {
-        std::map<Glib::ustring, Glib::VariantBase> status{
-            {"widgets", Glib::Variant<guint32>::create(static_cast<guint32>(windows_.size()))},
-            {"timelineBuilds", Glib::Variant<guint64>::create(counters_.timelineBuilds)},
-            {"timerWakeUps", Glib::Variant<guint64>::create(counters_.timerWakeUps)},
-            {"fileWakeUps", Glib::Variant<guint64>::create(counters_.fileWakeUps)},
-            {"appearance", Glib::Variant<Glib::ustring>::create(std::string(render::appearanceName(appearance_)))},
-        };
-        invocation->return_value(Glib::VariantContainerBase::create_tuple(
-            Glib::Variant<std::map<Glib::ustring, Glib::VariantBase>>::create(status)));
+        reloadKind(widget->kind, reply);
+    } else if (method == "ReloadAllTimelines") {
+        const auto created = syncPlacements();  // new windows are building theirs already
+        const auto done = afterAll(windows_.size(), reply);
+        for (auto& [id, window] : windows_) {
+            if (created.contains(id))
+                window->whenSettled(done);
+            else
+                window->reload(done);
+        }
+    } else if (method == "Status") {
+        g_dbus_method_invocation_return_value(invocation, status());
     } else {
-        invocation->return_dbus_error("org.freedesktop.DBus.Error.UnknownMethod", "no method " + methodName);
+        g_dbus_method_invocation_return_dbus_error(invocation, "org.freedesktop.DBus.Error.UnknownMethod",
+                                                   ("no method " + method).c_str());
     }
 }
 
-Glib::RefPtr<Gio::FileMonitor> HostApplication::watchDirectory(const std::filesystem::path& dir, std::string fileName,
-                                                               sigc::connection& debounce, sigc::slot<void> action) {
-    try {
-        auto monitor = Gio::File::create_for_path(dir.string())->monitor_directory(Gio::FILE_MONITOR_WATCH_MOVES);
-        monitor->signal_changed().connect([this, fileName, &debounce, action](const Glib::RefPtr<Gio::File>& file,
-                                                                              const Glib::RefPtr<Gio::File>& other,
-                                                                              Gio::FileMonitorEvent event) {
-            if (event == Gio::FILE_MONITOR_EVENT_ATTRIBUTE_CHANGED) return;
-            const bool concerned =
-                (file && file->get_basename() == fileName) || (other && other->get_basename() == fileName);
-            if (!concerned) return;  // the self-report and temporaries live here too
-            debounce.disconnect();
-            debounce = Glib::signal_timeout().connect(
-                [this, action] {
-                    ++counters_.fileWakeUps;
-                    action();
-                    return false;
-                },
-                kFileChangeDebounceMilliseconds);
-        });
-        return monitor;
-    } catch (const Glib::Error& error) {
-        report("cannot watch " + dir.string() + ": " + error.what());
-        return {};
-    }
+GVariant* HostApplication::status() const {
+    GVariantBuilder builder;
+    g_variant_builder_init(&builder, G_VARIANT_TYPE("a{sv}"));
+    g_variant_builder_add(&builder, "{sv}", "widgets", g_variant_new_uint32(static_cast<guint32>(windows_.size())));
+    g_variant_builder_add(&builder, "{sv}", "timelineBuilds", g_variant_new_uint64(counters_.timelineBuilds));
+    g_variant_builder_add(&builder, "{sv}", "timerWakeUps", g_variant_new_uint64(counters_.timerWakeUps));
+    g_variant_builder_add(&builder, "{sv}", "fileWakeUps", g_variant_new_uint64(counters_.fileWakeUps));
+    g_variant_builder_add(&builder, "{sv}", "appearance",
+                          g_variant_new_string(std::string(render::appearanceName(appearance_)).c_str()));
+    return g_variant_new("(a{sv})", &builder);
 }
 
 void HostApplication::watchFiles() {
     if (const auto container = containerCandidate(ContainerEnvironment::fromProcess()))
-        payloadMonitor_ = watchDirectory(*container, kPayloadFileName, payloadDebounce_, [this] { reloadAll(); });
+        payloadWatch_ = std::make_unique<FileWatch>(*container, kPayloadFileName, [this] {
+            ++counters_.fileWakeUps;
+            reloadAll();
+        });
     if (storeFile_) {
         std::error_code ec;
         std::filesystem::create_directories(storeFile_->parent_path(), ec);
-        storeMonitor_ = watchDirectory(storeFile_->parent_path(), kPlacementsFileName, storeDebounce_,
-                                       [this] { syncPlacements(); });
+        storeWatch_ = std::make_unique<FileWatch>(storeFile_->parent_path(), kPlacementsFileName, [this] {
+            ++counters_.fileWakeUps;
+            syncPlacements();
+        });
     }
+}
+
+// Timeline builds read the payload and write the self-report: the worker
+// does them, and the result comes back here.
+void HostApplication::build(const PlacedWidget& placed, const WidgetDeclaration& widget,
+                            std::function<void(std::optional<AnyTimeline>)> done) {
+    auto finished = [this, done = std::move(done)](std::optional<AnyTimeline> timeline) {
+        if (timeline) ++counters_.timelineBuilds;
+        done(std::move(timeline));
+    };
+    builds_->submit([context = providerContext(), parameters = placed.parameters, timeline = widget.timeline,
+                     finished = std::move(finished)]() mutable {
+        std::optional<AnyTimeline> built;
+        auto run = [&] { built = timeline(context, parameters); };
+        guardedVoid(run);  // reported; the widget keeps what it shows
+        invokeOnMain(
+            [finished = std::move(finished), built = std::move(built)]() mutable { finished(std::move(built)); });
+    });
+}
+
+std::unique_ptr<WidgetWindow> HostApplication::makeWindow(const PlacedWidget& placed,
+                                                          const ResolvedPlacement& resolved) {
+    const std::string id = placed.id;
+    return std::make_unique<WidgetWindow>(
+        placed, resolved,
+        WidgetWindowCallbacks{
+            .appearance = [this] { return appearance_; },
+            .build = [this](const PlacedWidget& p, const WidgetDeclaration& w,
+                            WidgetSchedule::Built done) { build(p, w, std::move(done)); },
+            .moved = [this, id](WidgetPosition position) { setPosition(id, position); },
+            .parameterChosen = [this, id](const std::string& name,
+                                          const std::string& value) { setParameter(id, name, value); },
+            .removeRequested = [this, id] { removeWidget(id); },
+            .addRequested = [this](WidgetPosition near) { showAddDialog(near); },
+            .openURL = [this](const std::string& url) { openURL(url); },
+            .container = [this] { return providerContext().container; },
+            .timerFired = [this] { ++counters_.timerWakeUps; },
+            .snapshotDirectory = snapshotDirectory_,
+        });
+}
+
+// Tests set MW_URL_HANDLER to a command that is run as `command URL` instead
+// of the desktop's handler.
+void HostApplication::openURL(const std::string& url) const {
+    GError* raw = nullptr;
+    if (const char* handler = std::getenv("MW_URL_HANDLER"); handler != nullptr && *handler != '\0') {
+        const gchar* argv[] = {handler, url.c_str(), nullptr};
+        g_spawn_async(nullptr, const_cast<gchar**>(argv), nullptr, G_SPAWN_DEFAULT, nullptr, nullptr, nullptr, &raw);
+    } else {
+        g_app_info_launch_default_for_uri(url.c_str(), nullptr, &raw);
+    }
+    ErrorRef error(raw);
+    if (raw != nullptr) report("cannot open " + url + ": " + raw->message);
 }
 
 std::set<std::string> HostApplication::syncPlacements() {
@@ -186,7 +305,7 @@ std::set<std::string> HostApplication::syncPlacements() {
         shown.insert(placed.id);
         if (const auto it = windows_.find(placed.id); it != windows_.end())
             it->second->update(placed, *resolved.value);
-        else if (windows_.emplace(placed.id, std::make_unique<WidgetWindow>(*this, placed, *resolved.value)).second)
+        else if (windows_.emplace(placed.id, makeWindow(placed, *resolved.value)).second)
             created.insert(placed.id);
     }
     for (auto it = windows_.begin(); it != windows_.end();) {
@@ -200,13 +319,18 @@ std::set<std::string> HostApplication::syncPlacements() {
     return created;
 }
 
-void HostApplication::reloadAll() {
-    for (auto& [id, window] : windows_) window->reload();
+void HostApplication::reloadAll(std::function<void()> done) {
+    const auto each = afterAll(windows_.size(), std::move(done));
+    for (auto& [id, window] : windows_) window->reload(each);
 }
 
-void HostApplication::reloadKind(std::string_view kind) {
+void HostApplication::reloadKind(std::string_view kind, std::function<void()> done) {
+    std::size_t count = 0;
     for (auto& [id, window] : windows_)
-        if (window->widget().kind == kind) window->reload();
+        if (window->widget().kind == kind) ++count;
+    const auto each = afterAll(count, std::move(done));
+    for (auto& [id, window] : windows_)
+        if (window->widget().kind == kind) window->reload(each);
 }
 
 void HostApplication::recheckAll() {
@@ -230,7 +354,7 @@ void HostApplication::editStore(const std::function<bool(std::vector<PlacedWidge
     auto widgets = load.widgets;
     if (!edit(widgets)) return;
     if (!savePlacements(*storeFile_, widgets)) report("cannot write " + storeFile_->string());
-    Glib::signal_idle().connect_once([this] { syncPlacements(); });
+    sync_ = idleOnce([this] { syncPlacements(); });
 }
 
 void HostApplication::setParameter(const std::string& id, const std::string& name, const std::string& value) {

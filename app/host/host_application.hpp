@@ -3,7 +3,7 @@
 // keeping its widget's timeline, plus the session-bus service that asks for
 // reloads. Single instance under the application id app.meterwick.WidgetHost.
 
-#include <gtkmm.h>
+#include <gtk/gtk.h>
 
 #include <cstdint>
 #include <filesystem>
@@ -14,7 +14,9 @@
 #include <set>
 #include <string>
 
+#include "app/host/background_queue.hpp"
 #include "app/host/desktop_watch.hpp"
+#include "app/host/glib_support.hpp"
 #include "host/placements.hpp"
 #include "render/color.hpp"
 #include "timeline/providers.hpp"
@@ -32,55 +34,65 @@ struct HostCounters {
     bool operator==(const HostCounters&) const = default;
 };
 
-class HostApplication : public Gtk::Application {
+// A directory watched for one file name in it; a burst of events becomes
+// one call of the action.
+class FileWatch {
+  public:
+    FileWatch(const std::filesystem::path& dir, std::string fileName, std::function<void()> action);
+    bool active() const { return monitor_ != nullptr; }
+
+  private:
+    ObjectRef<GFileMonitor> monitor_;
+    std::string fileName_;
+    std::function<void()> action_;
+    Source debounce_;
+    Connection changed_;
+};
+
+class HostApplication {
   public:
     HostApplication();
-    ~HostApplication() override;
+    ~HostApplication();
     HostApplication(const HostApplication&) = delete;
     HostApplication& operator=(const HostApplication&) = delete;
 
-    render::Appearance appearance() const { return appearance_; }
-    // Where each window's PNG goes after it is drawn (MW_HOST_SNAPSHOT_DIR).
-    const std::optional<std::filesystem::path>& snapshotDirectory() const { return snapshotDirectory_; }
-    // The provider context for a timeline build now: the real clock in whole
-    // seconds and the container as the environment names it.
-    ProviderContext providerContext() const;
-    HostCounters& counters() { return counters_; }
+    int run(int argc, char** argv);
+
+  private:
+    void startup();
+    void shutdown();
+    void registerBusObject();
+    static void methodCall(GDBusConnection* connection, const gchar* sender, const gchar* path, const gchar* interface,
+                           const gchar* method, GVariant* parameters, GDBusMethodInvocation* invocation, gpointer self);
+    void answer(const std::string& method, GVariant* parameters, GDBusMethodInvocation* invocation);
+    GVariant* status() const;
+    void watchFiles();
+    void setAppearance(render::Appearance appearance);
+    void build(const PlacedWidget& placed, const WidgetDeclaration& widget,
+               std::function<void(std::optional<AnyTimeline>)> done);
+    std::unique_ptr<WidgetWindow> makeWindow(const PlacedWidget& placed, const ResolvedPlacement& resolved);
+    void openURL(const std::string& url) const;
+
+    // Re-reads widgets.json and makes the windows match it; the ids of the
+    // windows it opened.
+    std::set<std::string> syncPlacements();
+    // Every window asks again; `done` once all have shown their new timelines.
+    void reloadAll(std::function<void()> done = {});
+    void reloadKind(std::string_view kind, std::function<void()> done);
+    void recheckAll();
 
     // Edits from the windows. Each reads the store afresh, changes the one
     // widget and saves, so edits made meanwhile on the command line survive.
+    void editStore(const std::function<bool(std::vector<PlacedWidget>&)>& edit);
     void setParameter(const std::string& id, const std::string& name, const std::string& value);
     void setPosition(const std::string& id, WidgetPosition position);
     void removeWidget(const std::string& id);
     void addWidget(const WidgetDeclaration& widget, WidgetFamily family, std::optional<WidgetPosition> near);
     void showAddDialog(std::optional<WidgetPosition> near);
 
-    // Re-reads widgets.json and makes the windows match it; the ids of the
-    // windows it opened.
-    std::set<std::string> syncPlacements();
-    void reloadAll();
-    void reloadKind(std::string_view kind);
-    // The wall clock may have jumped (resume, clock set): every widget
-    // re-checks its schedule.
-    void recheckAll();
+    ProviderContext providerContext() const;
 
-  protected:
-    void on_startup() override;
-    void on_activate() override;
-
-  private:
-    void registerBusObject();
-    void onMethodCall(const Glib::RefPtr<Gio::DBus::Connection>& connection, const Glib::ustring& sender,
-                      const Glib::ustring& objectPath, const Glib::ustring& interfaceName,
-                      const Glib::ustring& methodName, const Glib::VariantContainerBase& parameters,
-                      const Glib::RefPtr<Gio::DBus::MethodInvocation>& invocation);
-    void watchFiles();
-    Glib::RefPtr<Gio::FileMonitor> watchDirectory(const std::filesystem::path& dir, std::string fileName,
-                                                  sigc::connection& debounce, sigc::slot<void> action);
-    void setAppearance(render::Appearance appearance);
-    void editStore(const std::function<bool(std::vector<PlacedWidget>&)>& edit);
-    void report(const std::string& message) const;
-
+    GtkApplication* application_;
     std::optional<std::filesystem::path> storeFile_;
     std::optional<std::filesystem::path> snapshotDirectory_;
     std::map<std::string, std::unique_ptr<WidgetWindow>> windows_;
@@ -89,16 +101,17 @@ class HostApplication : public Gtk::Application {
     std::optional<WidgetPosition> addNear_;  // the widget whose menu opened the dialog
     render::Appearance appearance_ = render::Appearance::light;
     std::unique_ptr<DesktopWatch> desktopWatch_;
+    std::unique_ptr<BackgroundQueue> builds_;  // timeline builds, one at a time
     HostCounters counters_;
 
-    Glib::RefPtr<Gio::DBus::NodeInfo> introspection_;
-    Gio::DBus::InterfaceVTable vtable_;
-    Glib::RefPtr<Gio::DBus::Connection> busConnection_;
+    GDBusNodeInfo* introspection_ = nullptr;
+    GDBusConnection* busConnection_ = nullptr;  // the application's own
     guint busRegistration_ = 0;
-    Glib::RefPtr<Gio::FileMonitor> payloadMonitor_;
-    Glib::RefPtr<Gio::FileMonitor> storeMonitor_;
-    sigc::connection payloadDebounce_;
-    sigc::connection storeDebounce_;
+    std::unique_ptr<FileWatch> payloadWatch_;
+    std::unique_ptr<FileWatch> storeWatch_;
+    Source sync_;
+    guint termSignal_ = 0;
+    guint intSignal_ = 0;
 };
 
 }  // namespace mw::host

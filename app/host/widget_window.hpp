@@ -1,28 +1,50 @@
 #pragma once
 // One placed widget on the desktop: an undecorated window of the family's
-// size that keeps the widget's timeline (one timer, armed for the next entry
-// or the reload date), draws the entry for now with the Cairo painter, opens
-// links on click, offers the context menu and can be dragged.
+// size that keeps the widget's timeline and shows its entry for now. It is
+// put together from small pieces (placement, input, surface, schedule) and
+// asks the host for everything else through `WidgetWindowCallbacks`.
 
-#include <gtkmm.h>
+#include <gtk/gtk.h>
 
-#include <cstdint>
+#include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
+#include "app/host/glib_support.hpp"
+#include "app/host/widget_schedule.hpp"
+#include "app/host/widget_surface.hpp"
+#include "app/host/window_input.hpp"
+#include "app/host/window_placement.hpp"
 #include "bundle/bundle.hpp"
 #include "host/placements.hpp"
-#include "render/display_list.hpp"
 
 namespace mw::host {
 
-class HostApplication;
 class EditWidgetDialog;
 
-class WidgetWindow : public Gtk::Window {
+// What a window needs from the host; each call concerns this window's widget.
+struct WidgetWindowCallbacks {
+    std::function<render::Appearance()> appearance;
+    // Build a timeline for this placement and hand it to `done` on the main loop.
+    std::function<void(const PlacedWidget& placed, const WidgetDeclaration& widget, WidgetSchedule::Built done)> build;
+    std::function<void(WidgetPosition)> moved;
+    std::function<void(const std::string& name, const std::string& value)> parameterChosen;
+    std::function<void()> removeRequested;
+    std::function<void(WidgetPosition near)> addRequested;
+    std::function<void(const std::string& url)> openURL;
+    std::function<std::optional<std::filesystem::path>()> container;  // for the Edit Widget choice lists
+    std::function<void()> timerFired;
+    std::optional<std::filesystem::path> snapshotDirectory;  // MW_HOST_SNAPSHOT_DIR
+};
+
+class WidgetWindow {
   public:
-    WidgetWindow(HostApplication& host, PlacedWidget placed, ResolvedPlacement resolved);
-    ~WidgetWindow() override;
+    WidgetWindow(PlacedWidget placed, ResolvedPlacement resolved, WidgetWindowCallbacks callbacks);
+    ~WidgetWindow();
+    WidgetWindow(const WidgetWindow&) = delete;
+    WidgetWindow& operator=(const WidgetWindow&) = delete;
 
     const PlacedWidget& placed() const { return placed_; }
     const WidgetDeclaration& widget() const { return *resolved_.widget; }
@@ -30,8 +52,10 @@ class WidgetWindow : public Gtk::Window {
     // A new stored form of this widget: a new kind, family or option asks
     // the provider again; a new position moves the window.
     void update(const PlacedWidget& placed, const ResolvedPlacement& resolved);
-    // Asks the provider for a new timeline now.
-    void reload();
+    // Asks for a new timeline now; `done` once it is shown.
+    void reload(std::function<void()> done = {});
+    // `done` once no timeline build is pending.
+    void whenSettled(std::function<void()> done);
     // Looks at the wall clock again (after sleep or a clock change).
     void recheck();
     // Draws again in the host's current appearance.
@@ -39,57 +63,22 @@ class WidgetWindow : public Gtk::Window {
     // Drops the snapshot files (the widget was removed).
     void removeSnapshot() const;
 
-  protected:
-    bool on_draw(const Cairo::RefPtr<Cairo::Context>& cr) override;
-    bool on_button_press_event(GdkEventButton* event) override;
-    bool on_button_release_event(GdkEventButton* event) override;
-    bool on_motion_notify_event(GdkEventMotion* event) override;
-    bool on_configure_event(GdkEventConfigure* event) override;
-
   private:
-    void placeOnDesktop();
-    void applySize();
-    void applyPosition();
-    void build(Date now);
-    void step(bool justBuilt);
-    void show(std::size_t entryIndex);
+    void showEntry(const AnyTimeline& timeline, std::size_t entry);
     void presentationChanged();
-    void updateShape();
-    void writeSnapshot() const;
-    void openLinkAt(double x, double y) const;
-    void buildMenu();
+    void openLinkAt(PointerPoint at) const;
     void showEditDialog();
 
-    HostApplication& host_;
+    ObjectRef<GtkWidget> window_;  // first: outlives every piece that refers to it
     PlacedWidget placed_;
     ResolvedPlacement resolved_;
-    bool layerShell_ = false;
-    bool composited_ = false;
-
-    std::optional<AnyTimeline> timeline_;
-    std::size_t shown_ = 0;
-    std::uint64_t builds_ = 0;
-    render::DisplayList list_;       // the widget as laid out
-    render::DisplayList shownList_;  // …and masked to its rounded outline
-    sigc::connection timer_;
-
-    struct Press {
-        double x = 0;
-        double y = 0;
-        double rootX = 0;
-        double rootY = 0;
-        guint32 time = 0;
-    };
-    std::optional<Press> press_;
-    bool dragging_ = false;  // a drag is under way or has just ended
-    sigc::connection positionSave_;
-
-    Gtk::Menu menu_;
-    Gtk::MenuItem editItem_{"Edit Widget…"};
-    Gtk::MenuItem removeItem_{"Remove Widget"};
-    Gtk::SeparatorMenuItem separator_;
-    Gtk::MenuItem addItem_{"Add Widget…"};
+    WidgetWindowCallbacks callbacks_;
+    WindowPlacement placement_;
+    WidgetSurface surface_;
+    std::unique_ptr<WindowInput> input_;
+    WidgetSchedule schedule_;
     std::unique_ptr<EditWidgetDialog> editDialog_;
+    Connection draw_, scale_;
 };
 
 }  // namespace mw::host

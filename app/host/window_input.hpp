@@ -1,0 +1,49 @@
+#pragma once
+// A widget window's input: presses, drags, clicks, the context menu and the
+// menu keys, turned into the few things a widget does through callbacks.
+// The decisions themselves are `PointerGesture` and `keyAction`.
+
+#include <gtk/gtk.h>
+
+#include <functional>
+
+#include "app/host/glib_support.hpp"
+#include "host/gesture.hpp"
+
+namespace mw::host {
+
+class WindowInput {
+  public:
+    struct Callbacks {
+        std::function<WidgetPosition()> position;    // where the window is now
+        std::function<void(WidgetPosition)> moveTo;  // move the window (host-moved windows)
+        std::function<void(WidgetPosition)> moved;   // a move ended here: keep it
+        std::function<void(PointerPoint)> clicked;   // a click at this point, in window points
+        std::function<void()> edit;
+        std::function<void()> remove;
+        std::function<void()> add;
+    };
+
+    WindowInput(GtkWindow* window, MoveMode mode, Callbacks callbacks);
+    WindowInput(const WindowInput&) = delete;
+    WindowInput& operator=(const WindowInput&) = delete;
+
+    // A move is under way: positions from the store wait until it ends.
+    bool moving() const { return gesture_.moving(); }
+    void setEditable(bool editable);
+
+  private:
+    void perform(const GestureAction& action, const GdkEvent* event);
+    void buildMenu();
+
+    GtkWindow* window_;
+    MoveMode mode_;
+    Callbacks callbacks_;
+    PointerGesture gesture_;
+    GtkWidget* menu_ = nullptr;  // owned by the window it is attached to
+    GtkWidget* editItem_ = nullptr;
+    Source restTimer_;  // a window-manager move ends when the window rests
+    Connection press_, motion_, release_, configure_, key_;
+};
+
+}  // namespace mw::host

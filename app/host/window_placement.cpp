@@ -1,0 +1,66 @@
+#include "app/host/window_placement.hpp"
+
+#include <gtk-layer-shell/gtk-layer-shell.h>
+
+#include <cmath>
+
+namespace mw::host {
+
+WindowPlacement::WindowPlacement(GtkWindow* window) : window_(window) {
+    gtk_window_set_decorated(window, FALSE);
+    gtk_window_set_resizable(window, FALSE);
+    gtk_window_set_skip_taskbar_hint(window, TRUE);
+    gtk_window_set_skip_pager_hint(window, TRUE);
+    gtk_window_set_accept_focus(window, FALSE);
+    gtk_window_set_focus_on_map(window, FALSE);
+    gtk_widget_set_app_paintable(GTK_WIDGET(window), TRUE);
+
+    // Transparent corners need a compositor; without one the window is cut
+    // to the drawn shape instead.
+    GdkScreen* screen = gtk_widget_get_screen(GTK_WIDGET(window));
+    if (GdkVisual* visual = gdk_screen_get_rgba_visual(screen); visual != nullptr && gdk_screen_is_composited(screen)) {
+        gtk_widget_set_visual(GTK_WIDGET(window), visual);
+        composited_ = true;
+    }
+
+    if (gtk_layer_is_supported()) {
+        gtk_layer_init_for_window(window);
+        gtk_layer_set_namespace(window, "meterwick-widget");
+        gtk_layer_set_layer(window, GTK_LAYER_SHELL_LAYER_BOTTOM);
+        gtk_layer_set_anchor(window, GTK_LAYER_SHELL_EDGE_TOP, TRUE);
+        gtk_layer_set_anchor(window, GTK_LAYER_SHELL_EDGE_LEFT, TRUE);
+        gtk_layer_set_keyboard_mode(window, GTK_LAYER_SHELL_KEYBOARD_MODE_NONE);
+        layerShell_ = true;
+        return;
+    }
+    gtk_window_set_type_hint(window, GDK_WINDOW_TYPE_HINT_UTILITY);
+    gtk_window_set_keep_below(window, TRUE);
+    gtk_window_stick(window);
+}
+
+void WindowPlacement::resize(WidgetSize size) {
+    const int width = static_cast<int>(std::ceil(size.width));
+    const int height = static_cast<int>(std::ceil(size.height));
+    gtk_widget_set_size_request(GTK_WIDGET(window_), width, height);
+    gtk_window_resize(window_, width, height);
+}
+
+void WindowPlacement::moveTo(WidgetPosition position) {
+    asked_ = position;
+    if (layerShell_) {
+        gtk_layer_set_margin(window_, GTK_LAYER_SHELL_EDGE_LEFT, position.x);
+        gtk_layer_set_margin(window_, GTK_LAYER_SHELL_EDGE_TOP, position.y);
+    } else {
+        gtk_window_move(window_, position.x, position.y);
+    }
+}
+
+WidgetPosition WindowPlacement::position() const {
+    if (layerShell_) return asked_;
+    int x = 0;
+    int y = 0;
+    gtk_window_get_position(window_, &x, &y);
+    return {x, y};
+}
+
+}  // namespace mw::host

@@ -1,0 +1,36 @@
+#pragma once
+// Where a widget window sits: on wlroots-style compositors a layer-shell
+// surface on the bottom layer, placed by its margins; elsewhere an ordinary
+// undecorated window with the hints that keep it on the desktop (below
+// other windows, on every workspace, out of task lists).
+
+#include <gtk/gtk.h>
+
+#include "config/family.hpp"
+#include "host/placements.hpp"
+
+namespace mw::host {
+
+class WindowPlacement {
+  public:
+    // Sets `window` up for the desktop; call before it is realized.
+    explicit WindowPlacement(GtkWindow* window);
+
+    bool layerShell() const { return layerShell_; }
+    // Whether a compositor blends the window (else it is cut to its shape).
+    bool composited() const { return composited_; }
+
+    void resize(WidgetSize size);
+    void moveTo(WidgetPosition position);
+    // Where the window manager has the window now (X11 only; else the last
+    // position asked for).
+    WidgetPosition position() const;
+
+  private:
+    GtkWindow* window_;
+    bool layerShell_ = false;
+    bool composited_ = false;
+    WidgetPosition asked_;
+};
+
+}  // namespace mw::host
