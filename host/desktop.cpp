@@ -38,4 +38,14 @@ std::optional<std::filesystem::path> containerCandidate(const ContainerEnvironme
     return std::nullopt;
 }
 
+std::optional<WatchAnchor> watchAnchor(const std::filesystem::path& target,
+                                       const std::function<bool(const std::filesystem::path&)>& isDirectory) {
+    const auto path = target.lexically_normal();
+    if (!path.is_absolute() || !path.has_relative_path()) return std::nullopt;
+    auto child = path.filename().empty() ? path.parent_path() : path;  // "/a/b/" names "/a/b"
+    for (auto parent = child.parent_path(); child != parent; child = parent, parent = parent.parent_path())
+        if (isDirectory(parent)) return WatchAnchor{parent, child.filename().string()};
+    return std::nullopt;
+}
+
 }  // namespace mw

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -31,5 +32,16 @@ render::Appearance desktopAppearance(const DesktopPreferences& preferences);
 // The container directory as the environment names it, whether or not it
 // exists yet (the host watches it so a payload written later is noticed).
 std::optional<std::filesystem::path> containerCandidate(const ContainerEnvironment& env);
+
+// Where to watch for `target` (a directory) to appear or be replaced: its
+// nearest ancestor that exists, and the name of the next component down
+// from there. Nothing for a relative or root path.
+struct WatchAnchor {
+    std::filesystem::path directory;
+    std::string child;
+    bool operator==(const WatchAnchor&) const = default;
+};
+std::optional<WatchAnchor> watchAnchor(const std::filesystem::path& target,
+                                       const std::function<bool(const std::filesystem::path&)>& isDirectory);
 
 }  // namespace mw

@@ -64,7 +64,32 @@ FileWatch::FileWatch(const std::filesystem::path& dir, std::string fileName, std
                 return same;
             };
             if (!named(file) && !named(other)) return;  // the self-report and temporaries live here too
-            debounce_ = timeoutOnce(kFileChangeDebounceMilliseconds, [this] { action_(); });
+            debounce_ = timeoutOnce(kFileChangeDebounceMilliseconds, [this] {
+                auto action = action_;  // the action may replace this watch
+                action();
+            });
+        });
+}
+
+ContainerWatch::ContainerWatch(std::filesystem::path container, std::function<void()> payloadChanged)
+    : container_(std::move(container)), payloadChanged_(std::move(payloadChanged)) {
+    arm();
+}
+
+void ContainerWatch::arm() {
+    payload_.reset();
+    anchor_.reset();
+    std::error_code ec;
+    if (std::filesystem::is_directory(container_, ec))
+        payload_ = std::make_unique<FileWatch>(container_, kPayloadFileName, payloadChanged_);
+    const auto isDirectory = [](const std::filesystem::path& p) {
+        std::error_code error;
+        return std::filesystem::is_directory(p, error);
+    };
+    if (const auto anchor = watchAnchor(container_, isDirectory))
+        anchor_ = std::make_unique<FileWatch>(anchor->directory, anchor->child, [this] {
+            arm();
+            payloadChanged_();
         });
 }
 
@@ -221,7 +246,7 @@ GVariant* HostApplication::status() const {
 
 void HostApplication::watchFiles() {
     if (const auto container = containerCandidate(ContainerEnvironment::fromProcess()))
-        payloadWatch_ = std::make_unique<FileWatch>(*container, kPayloadFileName, [this] {
+        payloadWatch_ = std::make_unique<ContainerWatch>(*container, [this] {
             ++counters_.fileWakeUps;
             reloadAll();
         });

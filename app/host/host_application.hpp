@@ -49,6 +49,22 @@ class FileWatch {
     Connection changed_;
 };
 
+// The payload in the container, and the container itself: when the
+// container appears after start, or is replaced (mv + mkdir), the watch moves
+// to the new directory and the widgets reload.
+class ContainerWatch {
+  public:
+    ContainerWatch(std::filesystem::path container, std::function<void()> payloadChanged);
+
+  private:
+    void arm();
+
+    std::filesystem::path container_;
+    std::function<void()> payloadChanged_;
+    std::unique_ptr<FileWatch> payload_;
+    std::unique_ptr<FileWatch> anchor_;
+};
+
 class HostApplication {
   public:
     HostApplication();
@@ -107,7 +123,7 @@ class HostApplication {
     GDBusNodeInfo* introspection_ = nullptr;
     GDBusConnection* busConnection_ = nullptr;  // the application's own
     guint busRegistration_ = 0;
-    std::unique_ptr<FileWatch> payloadWatch_;
+    std::unique_ptr<ContainerWatch> payloadWatch_;
     std::unique_ptr<FileWatch> storeWatch_;
     Source sync_;
     guint termSignal_ = 0;

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -241,7 +242,8 @@ void scenario() {
         const auto rows = linkRegions(described(accounts));
         ASSERT_GE(rows.size(), 2u) << "the Accounts widget shows rows with links";
         const auto& row = rows[1]["frame"];
-        const double rowX = row[0].get<double>() + row[2].get<double>() / 2, rowY = row[1].get<double>() + row[3].get<double>() / 2;
+        const double rowX = row[0].get<double>() + row[2].get<double>() / 2,
+                     rowY = row[1].get<double>() + row[3].get<double>() / 2;
         const std::string rowURL = rows[1]["url"];
         EXPECT_EQ(expectedURL(accounts, rowX, rowY), rowURL);
         run("xdotool mousemove " + std::to_string(static_cast<int>((200 + rowX) * 2)) + " " +
@@ -342,20 +344,95 @@ void scenario() {
     EXPECT_EQ(host.stop(), 0) << hostLog();
 }
 
-TEST(HostEndToEnd, ShowsFollowsAndReloadsPlacedWidgets) {
+// The host's Status() over the bus, within a deadline; empty when it did not answer.
+std::string hostStatus() {
+    const auto result =
+        run("timeout 10 gdbus call --session --timeout 5 --dest app.meterwick.WidgetHost "
+            "--object-path /app/meterwick/WidgetHost --method app.meterwick.WidgetHost.Status");
+    return result.status == 0 ? result.out : std::string();
+}
+
+// The container appears after the host starts and is later replaced; then
+// the payload becomes a FIFO. The host follows the first two and stays
+// responsive through the third: it answers the bus, a second start hands
+// over to it, and SIGTERM ends it promptly.
+void hostileScenario() {
+    const TempDir root;
+    const auto config = root / "config";
+    const auto container = root / "later" / "container";
+    const auto snapshots = root / "snapshots";
+    ::setenv("XDG_CONFIG_HOME", config.c_str(), 1);
+    ::setenv("METERWICK_CONTAINER", container.c_str(), 1);
+    ::setenv("MW_HOST_SNAPSHOT_DIR", snapshots.c_str(), 1);
+    ::setenv("MW_HOST_APPEARANCE", "light", 1);
+    ::unsetenv("GDK_SCALE");
+
+    ASSERT_EQ(cli("place focus --at 0,0").status, 0);
+    Host host(root / "host.log");
+    ASSERT_TRUE(host.started());
+    const auto hostLog = [&] { return readFile(root / "host.log"); };
+    ASSERT_TRUE(waitFor([&] { return shown(snapshots, "focus-1").has_value(); }, 60s)) << hostLog();
+    const auto buildOf = [&] {
+        const auto info = shown(snapshots, "focus-1");
+        return info ? (*info)["build"].get<int>() : -1;
+    };
+    const auto pngOf = [&] { return readFile(snapshots / "focus-1.png"); };
+
+    // Created after the start, two levels down: the widget follows.
+    const auto waiting = pngOf();
+    std::filesystem::create_directories(container);
+    writePayload(container, samplePayload(systemNow()));
+    EXPECT_TRUE(waitFor([&] { return pngOf() != waiting; })) << "a container created later is noticed\n" << hostLog();
+    const auto withData = pngOf();
+
+    // Replaced by mv + mkdir: the new directory is watched.
+    std::filesystem::rename(container, root / "later" / "container.old");
+    std::filesystem::create_directories(container);
+    WidgetPayload empty;
+    empty.updatedAt = systemNow();
+    writePayload(container, empty);
+    EXPECT_TRUE(waitFor([&] { return pngOf() != withData; })) << "a replaced container is noticed\n" << hostLog();
+
+    // A FIFO where the payload should be: nothing may wait on it.
+    const auto previous = buildOf();
+    std::filesystem::remove(container / kPayloadFileName);
+    ASSERT_EQ(::mkfifo((container / kPayloadFileName).c_str(), 0600), 0);
+    std::this_thread::sleep_for(1s);  // past the change's debounce: a reload has started
+    EXPECT_NE(hostStatus(), "") << "the host answers the bus\n" << hostLog();
+    EXPECT_EQ(run("timeout 10 env ASAN_OPTIONS=detect_leaks=0 '" MW_HOST_PATH "'").status, 0)
+        << "a second start hands over to the running host";
+    EXPECT_GE(buildOf(), previous);
+
+    const auto stopping = std::chrono::steady_clock::now();
+    EXPECT_EQ(host.stop(), 0) << hostLog();
+    EXPECT_LT(std::chrono::steady_clock::now() - stopping, 5s) << "SIGTERM ends the host promptly";
+}
+
+// Runs `scenario` inside its own virtual X server and session bus: the test
+// binary re-runs itself there with only this test selected.
+void inSession(void (*scenario)()) {
     if (std::getenv(kInsideVariable) != nullptr) {
         scenario();
         return;
     }
     if (!onPath("xvfb-run") || !onPath("dbus-run-session")) GTEST_SKIP() << "needs xvfb-run and dbus-run-session";
+    const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
     const TempDir io;
-    const std::string command = std::string("timeout -k 5 300 xvfb-run -a -s '-screen 0 2400x1600x24' ") +
-                                "dbus-run-session -- env " + kInsideVariable + "=1 NO_AT_BRIDGE=1 " + "'" +
-                                std::filesystem::read_symlink("/proc/self/exe").string() +
-                                "' --gtest_filter=HostEndToEnd.* >'" + (io / "log").string() + "' 2>&1";
+    const std::string command =
+        std::string("timeout -k 5 300 xvfb-run -a -s '-screen 0 2400x1600x24' ") + "dbus-run-session -- env " +
+        kInsideVariable + "=1 NO_AT_BRIDGE=1 " + "'" + std::filesystem::read_symlink("/proc/self/exe").string() +
+        "' --gtest_filter=" + test->test_suite_name() + "." + test->name() + " >'" + (io / "log").string() + "' 2>&1";
     const int raw = std::system(command.c_str());
     const int status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
     EXPECT_EQ(status, 0) << readFile(io / "log");
+}
+
+TEST(HostEndToEnd, ShowsFollowsAndReloadsPlacedWidgets) {
+    inSession(scenario);
+}
+
+TEST(HostEndToEnd, FollowsTheContainerAndSurvivesHostileFiles) {
+    inSession(hostileScenario);
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "host/desktop.hpp"
 #include "host/widget_mask.hpp"
 
@@ -98,6 +100,34 @@ TEST(ContainerCandidate, NamesTheDirectoryEvenBeforeItExists) {
     EXPECT_EQ(containerCandidate({std::nullopt, std::nullopt, "/h"}),
               std::filesystem::path("/h/.local/share/meterwick/group.app.meterwick"));
     EXPECT_EQ(containerCandidate({}), std::nullopt);
+}
+
+TEST(WatchAnchor, WatchesTheNearestExistingAncestorForTheNextName) {
+    const auto existing = [](std::set<std::string> dirs) {
+        return [dirs](const std::filesystem::path& p) { return dirs.contains(p.string()); };
+    };
+    struct Case {
+        const char* what;
+        std::string target;
+        std::set<std::string> dirs;
+        std::optional<WatchAnchor> expected;
+    };
+    const Case cases[] = {
+        {"the container exists: its parent, for a replacement",
+         "/home/u/c",
+         {"/", "/home", "/home/u", "/home/u/c"},
+         WatchAnchor{"/home/u", "c"}},
+        {"not created yet", "/home/u/c", {"/", "/home", "/home/u"}, WatchAnchor{"/home/u", "c"}},
+        {"several levels missing",
+         "/home/u/.local/share/m/c",
+         {"/", "/home", "/home/u"},
+         WatchAnchor{"/home/u", ".local"}},
+        {"a trailing slash and dots", "/home/u/./x/../c/", {"/", "/home", "/home/u"}, WatchAnchor{"/home/u", "c"}},
+        {"a direct child of the root", "/c", {"/"}, WatchAnchor{"/", "c"}},
+        {"relative paths are not watched", "c", {"/"}, std::nullopt},
+        {"nor is the root", "/", {"/"}, std::nullopt},
+    };
+    for (const auto& c : cases) EXPECT_EQ(watchAnchor(c.target, existing(c.dirs)), c.expected) << c.what;
 }
 
 TEST(WidgetMask, ClipsEverythingToTheRoundedOutlineAndKeepsTheRest) {
