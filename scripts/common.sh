@@ -10,7 +10,6 @@ MW_PACKAGES=(
   libcairo2-dev libpango1.0-dev librsvg2-dev fonts-inter
   libgtest-dev libgmock-dev libbenchmark-dev
   libgtk-3-dev libgtk-layer-shell-dev libglib2.0-bin
-  libglibmm-2.4-dev  # the command's calls to the running host (giomm)
   libgtkmm-3.0-dev   # only the benchmarks' gtkmm floor; the host uses GTK's C API
   xvfb xauth xdotool dbus-daemon dbus-x11
   clang libclang-rt-14-dev
