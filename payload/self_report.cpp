@@ -49,7 +49,9 @@ void writeSelfReport(const std::optional<std::filesystem::path>& container, cons
     } catch (const std::exception&) {
         return;  // an unencodable report is skipped, like any other failure here
     }
-    (void)writeFileAtomically(*container / kSelfReportFileName, bytes);
+    // Rewritten by every build and read only for diagnosis: replaced
+    // atomically, but not worth a flush to disk on every build.
+    (void)writeFileAtomically(*container / kSelfReportFileName, bytes, Flush::unflushed);
 }
 
 }  // namespace mw

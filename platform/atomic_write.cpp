@@ -24,7 +24,7 @@ bool writeAll(int fd, std::string_view bytes) {
 
 }  // namespace
 
-bool writeFileAtomically(const std::filesystem::path& target, std::string_view bytes) {
+bool writeFileAtomically(const std::filesystem::path& target, std::string_view bytes, Flush flush) {
     const auto dir = target.has_parent_path() ? target.parent_path() : std::filesystem::path(".");
     // mkstemp opens with O_CREAT | O_EXCL: a link planted at the temporary
     // name makes it pick another name instead of writing through the link.
@@ -34,7 +34,7 @@ bool writeFileAtomically(const std::filesystem::path& target, std::string_view b
     std::string pattern = (dir / name).string();
     const int fd = ::mkstemp(pattern.data());
     if (fd < 0) return false;
-    bool ok = ::fchmod(fd, 0644) == 0 && writeAll(fd, bytes) && ::fsync(fd) == 0;
+    bool ok = ::fchmod(fd, 0644) == 0 && writeAll(fd, bytes) && (flush == Flush::unflushed || ::fsync(fd) == 0);
     ok = ::close(fd) == 0 && ok;
     // rename replaces a link at the target itself; it never writes through it.
     if (ok && ::rename(pattern.c_str(), target.c_str()) == 0) return true;

@@ -7,7 +7,7 @@ MW_ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 MW_PACKAGES=(
   g++ cmake make pkg-config ccache
   nlohmann-json3-dev libcli11-dev
-  libcairo2-dev libpango1.0-dev librsvg2-dev fonts-inter
+  libcairo2-dev libpango1.0-dev fonts-inter libdeflate-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   libgtk-3-dev libgtk-layer-shell-dev libglib2.0-bin
   libgtkmm-3.0-dev   # only the benchmarks' gtkmm floor; the host uses GTK's C API

@@ -1,7 +1,5 @@
 #include "render/cairo/images.hpp"
 
-#include <librsvg/rsvg.h>
-
 #include <cmath>
 #include <numbers>
 #include <fstream>
@@ -12,6 +10,7 @@
 #include <string>
 
 #include "render/assets.hpp"
+#include "render/cairo/svg.hpp"
 
 namespace mw::render {
 
@@ -30,37 +29,30 @@ double symbolStrokeWidth(Weight w) {
     return 2;
 }
 
-struct HandleDeleter {
-    void operator()(RsvgHandle* h) const { g_object_unref(h); }
-};
 struct SurfaceRelease {
     void operator()(cairo_surface_t* s) const { cairo_surface_destroy(s); }
 };
 
 struct Loaded {
-    std::unique_ptr<RsvgHandle, HandleDeleter> svg;
+    std::optional<svg::Document> svg;
     std::unique_ptr<cairo_surface_t, SurfaceRelease> png;
     double width = 0;   // intrinsic size, for the aspect ratio
     double height = 0;
 };
 
-// Parsed images for the life of the process, keyed by path and stroke width.
-// A file that failed to load is remembered as empty so that it is not retried.
+// Parsed images for the life of the process, keyed by path. A file that
+// failed to load is remembered as empty so that it is not retried.
 class ImageCache {
 public:
-    // `color` (an RGBA hex, or empty) replaces the icons' currentColor.
-    const Loaded& get(const std::string& path, double strokeWidth, const std::string& color) {
+    const Loaded& get(const std::string& path) {
         std::lock_guard lock(mutex_);
-        char widthText[32];
-        std::snprintf(widthText, sizeof widthText, "|%.2f|", strokeWidth);
-        const std::string key = path + widthText + color;
-        auto it = cache_.find(key);
+        auto it = cache_.find(path);
         if (it != cache_.end()) return it->second;
-        return cache_.emplace(key, load(path, strokeWidth, color)).first->second;
+        return cache_.emplace(path, load(path)).first->second;
     }
 
 private:
-    static Loaded load(const std::string& path, double strokeWidth, const std::string& color) {
+    static Loaded load(const std::string& path) {
         Loaded out;
         if (path.size() > 4 && path.ends_with(".png")) {
             cairo_surface_t* s = cairo_image_surface_create_from_png(path.c_str());
@@ -77,47 +69,11 @@ private:
         if (!in) return out;
         std::stringstream buffer;
         buffer << in.rdbuf();
-        std::string data = buffer.str();
-        if (strokeWidth > 0) {
-            const std::string from = "stroke-width=\"2\"";
-            if (auto pos = data.find(from); pos != std::string::npos) {
-                char repl[40];
-                std::snprintf(repl, sizeof repl, "stroke-width=\"%.2f\"", strokeWidth);
-                data.replace(pos, from.size(), repl);
-            }
+        out.svg = svg::parse(buffer.str());
+        if (out.svg) {
+            out.width = out.svg->width;
+            out.height = out.svg->height;
         }
-        if (color.size() == 9) {  // "#RRGGBBAA"
-            const std::string rgb = color.substr(0, 7);
-            for (auto pos = data.find("currentColor"); pos != std::string::npos; pos = data.find("currentColor", pos)) {
-                data.replace(pos, 12, rgb);
-            }
-            const double alpha = std::stoi(color.substr(7, 2), nullptr, 16) / 255.0;
-            if (alpha < 1) {
-                if (auto pos = data.find("<svg"); pos != std::string::npos) {
-                    char attrs[80];
-                    std::snprintf(attrs, sizeof attrs, " stroke-opacity=\"%.3f\" fill-opacity=\"%.3f\"", alpha, alpha);
-                    data.insert(pos + 4, attrs);
-                }
-            }
-        }
-        GError* error = nullptr;
-        RsvgHandle* handle = rsvg_handle_new_from_data(reinterpret_cast<const guint8*>(data.data()), data.size(), &error);
-        if (!handle) {
-            if (error) g_error_free(error);
-            return out;
-        }
-        rsvg_handle_set_dpi(handle, 72);
-        out.svg.reset(handle);
-        gdouble w = 0, h = 0;
-        if (!rsvg_handle_get_intrinsic_size_in_pixels(handle, &w, &h) || w <= 0 || h <= 0) {
-            RsvgRectangle ink{}, logical{};
-            if (rsvg_handle_get_geometry_for_element(handle, nullptr, &ink, &logical, nullptr)) {
-                w = logical.width;
-                h = logical.height;
-            }
-        }
-        out.width = w > 0 ? w : 24;
-        out.height = h > 0 ? h : 24;
         return out;
     }
 
@@ -161,13 +117,12 @@ Rect placed(const Rect& frame, double w, double h, ContentMode mode) {
     return {frame.midX() - w * s / 2, frame.midY() - h * s / 2, w * s, h * s};
 }
 
-void drawLoaded(cairo_t* cr, const Loaded& img, const Rect& target) {
+void drawLoaded(cairo_t* cr, const Loaded& img, const Rect& target, const svg::DrawOptions& options) {
     cairo_save(cr);
     cairo_translate(cr, target.x, target.y);
     cairo_scale(cr, target.width / img.width, target.height / img.height);
     if (img.svg) {
-        const RsvgRectangle viewport{0, 0, img.width, img.height};
-        rsvg_handle_render_document(img.svg.get(), cr, &viewport, nullptr);
+        svg::draw(cr, *img.svg, options);
     } else if (img.png) {
         cairo_set_source_surface(cr, img.png.get(), 0, 0);
         cairo_pattern_set_filter(cairo_get_source(cr), CAIRO_FILTER_BEST);
@@ -194,7 +149,9 @@ void drawImage(cairo_t* cr, const ImageDraw& image, const Rect& frame, Appearanc
     // Symbols are drawn in their tint directly (their strokes use
     // currentColor); other tinted images become a single-colour mask.
     const bool recolored = image.source == ImageDraw::Source::symbol && image.tint;
-    const Loaded* loaded = path ? &imageCache().get(*path, strokeWidth, recolored ? toHex(tint) : std::string()) : nullptr;
+    const Loaded* loaded = path ? &imageCache().get(*path) : nullptr;
+    svg::DrawOptions options{.rootStrokeWidth = strokeWidth};
+    if (recolored) options.currentColor = tint;
     if (!loaded || (!loaded->svg && !loaded->png)) {
         drawPlaceholder(cr, frame, tint);
         return;
@@ -207,22 +164,22 @@ void drawImage(cairo_t* cr, const ImageDraw& image, const Rect& frame, Appearanc
     cairo_rectangle(cr, frame.x - margin, frame.y - margin, frame.width + 2 * margin, frame.height + 2 * margin);
     cairo_clip(cr);
     if (recolored) {
-        drawLoaded(cr, *loaded, target);
+        drawLoaded(cr, *loaded, target, options);
     } else if (image.tint) {
         // A single-colour mask: the image's coverage painted in the tint.
         cairo_push_group(cr);
-        drawLoaded(cr, *loaded, target);
+        drawLoaded(cr, *loaded, target, options);
         cairo_pattern_t* mask = cairo_pop_group(cr);
         setColor(cr, tint);
         cairo_mask(cr, mask);
         cairo_pattern_destroy(mask);
     } else if (image.opacity < 1) {
         cairo_push_group(cr);
-        drawLoaded(cr, *loaded, target);
+        drawLoaded(cr, *loaded, target, options);
         cairo_pop_group_to_source(cr);
         cairo_paint_with_alpha(cr, image.opacity);
     } else {
-        drawLoaded(cr, *loaded, target);
+        drawLoaded(cr, *loaded, target, options);
     }
     cairo_restore(cr);
 }

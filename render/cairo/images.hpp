@@ -1,5 +1,6 @@
 #pragma once
-// Symbols and asset images drawn with librsvg (internal to the Cairo backend).
+// Symbols and asset images: SVG through the small reader in svg.hpp, PNG
+// through Cairo (internal to the Cairo backend).
 
 #include <cairo.h>
 

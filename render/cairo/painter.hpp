@@ -1,7 +1,7 @@
 #pragma once
 // Paints display lists with Cairo: into any cairo context (a window, an image,
 // an SVG or PDF surface), and to PNG, SVG and PDF files or memory.
-// The only place besides the text measurer that touches Cairo and librsvg.
+// The only place besides the text measurer that touches Cairo.
 
 #include <cairo.h>
 
@@ -30,8 +30,12 @@ using SurfacePtr = std::unique_ptr<cairo_surface_t, SurfaceDeleter>;
 // An ARGB32 image of size × scale pixels (rounded up), transparent where nothing is drawn.
 SurfacePtr paintToImage(const DisplayList& list, const PaintOptions& options = {});
 
-// PNG bytes of an image surface. Fast zlib settings: these images are small
-// and are written often.
+// A transparent ARGB32 image of WIDTH × HEIGHT pixels, its memory touched
+// in advance so that painting takes no page faults.
+SurfacePtr prefaultedImage(int width, int height);
+
+// PNG bytes of an image surface (libdeflate, fastest level: these images are
+// small and written often).
 std::string encodePNG(cairo_surface_t* image);
 
 // Whole documents as bytes.
