@@ -1,6 +1,7 @@
 // place, list, edit, remove, reload: the widgets placed on the desktop and
 // the running host that shows them.
 
+#include <functional>
 #include <iostream>
 #include <memory>
 
@@ -17,21 +18,25 @@ std::filesystem::path storeFile() {
     throw std::runtime_error("neither XDG_CONFIG_HOME nor HOME is set, so there is nowhere to keep placed widgets");
 }
 
-// Loads the store; a bad file has been moved aside by now and is reported.
-PlacementsLoad loadStore(const std::filesystem::path& file) {
-    auto load = loadPlacements(file, systemNow());
+// Reads the store for a command that does not change it; a bad file is
+// reported and left where it is.
+PlacementsLoad readStore(const std::filesystem::path& file) {
+    auto load = readPlacements(file);
     if (const auto report = problemReport(file, load); !report.empty())
         std::cerr << "meterwick-widgets: " << report << '\n';
     return load;
 }
 
-// Saves, then lets a running host know; no host is fine.
-void saveStore(const std::filesystem::path& file, const PlacementsLoad& load,
-               const std::vector<PlacedWidget>& widgets) {
-    if (!load.writable())
-        throw std::runtime_error("not saving over " + file.string() +
-                                 ": it could not be read and could not be moved aside");
-    if (!savePlacements(file, widgets)) throw std::runtime_error("cannot write " + file.string());
+// Changes the store under its lock, then lets a running host know; no host
+// is fine. `edit` may throw (a bad id), and nothing is saved then.
+void changeStore(const std::filesystem::path& file, const std::function<void(std::vector<PlacedWidget>&)>& edit) {
+    const auto result = modifyPlacements(file, systemNow(), [&](std::vector<PlacedWidget>& widgets) {
+        edit(widgets);
+        return true;
+    });
+    if (const auto report = problemReport(file, result.load); !report.empty() && result.saved)
+        std::cerr << "meterwick-widgets: " << report << '\n';
+    if (!result.saved) throw std::runtime_error(result.error);
     const auto call = reloadHostTimelines(std::nullopt);
     if (call.result == HostCallResult::failed)
         std::cerr << "meterwick-widgets: saved, but the running host did not take it: " << call.message << '\n';
@@ -102,20 +107,19 @@ void registerPlaceCommands(CLI::App& app, const GlobalOptions&) {
         // Checked before anything is read, so a bad --at changes nothing.
         const WidgetPosition at = placeArgs->atOption->count() > 0 ? positionFrom(placeArgs->at) : WidgetPosition{};
 
-        const auto file = storeFile();
-        const auto load = loadStore(file);
-        auto widgets = load.widgets;
-        PlacedWidget placed{nextPlacementID(widgets, widget), std::string(widget.kind), std::string(rawValue(family)),
-                            std::move(parameters), placeArgs->atOption->count() > 0 ? at : defaultPosition(widgets)};
-        widgets.push_back(placed);
-        saveStore(file, load, widgets);
+        PlacedWidget placed;
+        changeStore(storeFile(), [&](std::vector<PlacedWidget>& widgets) {
+            placed = {nextPlacementID(widgets, widget), std::string(widget.kind), std::string(rawValue(family)),
+                      parameters, placeArgs->atOption->count() > 0 ? at : defaultPosition(widgets), {}};
+            widgets.push_back(placed);
+        });
         printJSON(toJSON(placed));
     });
 
     auto* list = app.add_subcommand("list", "The placed widgets");
     list->callback([] {
         nlohmann::ordered_json out = nlohmann::ordered_json::array();
-        for (const auto& widget : loadStore(storeFile()).widgets) out.push_back(listed(widget));
+        for (const auto& widget : readStore(storeFile()).widgets) out.push_back(listed(widget));
         printJSON(out);
     });
 
@@ -127,21 +131,20 @@ void registerPlaceCommands(CLI::App& app, const GlobalOptions&) {
         edit->add_option("--family", editArgs->family, "One of the widget's families")->type_name("FAMILY");
     editArgs->atOption = edit->add_option("--at", editArgs->at, "Top-left corner in points")->type_name("X,Y");
     edit->callback([editArgs] {
-        const auto file = storeFile();
-        const auto load = loadStore(file);
-        auto widgets = load.widgets;
-        auto& placed = placementNamed(widgets, editArgs->id);
-        const auto* widget = findWidget(placed.kind);
-        if (widget == nullptr)
-            throw UsageError("\"" + placed.id + "\" is a widget this version does not know (\"" + placed.kind +
-                             "\"); it can only be removed");
-        if (editArgs->familyOption->count() > 0)
-            placed.family = std::string(rawValue(familyFor(*widget, editArgs->family)));
-        for (auto& [name, value] : intentParametersFor(*widget, editArgs->assignments))
-            placed.parameters.insert_or_assign(name, value);
-        if (editArgs->atOption->count() > 0) placed.position = positionFrom(editArgs->at);
-        const auto edited = placed;
-        saveStore(file, load, widgets);
+        PlacedWidget edited;
+        changeStore(storeFile(), [&](std::vector<PlacedWidget>& widgets) {
+            auto& placed = placementNamed(widgets, editArgs->id);
+            const auto* widget = findWidget(placed.kind);
+            if (widget == nullptr)
+                throw UsageError("\"" + placed.id + "\" is a widget this version does not know (\"" + placed.kind +
+                                 "\"); it can only be removed");
+            if (editArgs->familyOption->count() > 0)
+                placed.family = std::string(rawValue(familyFor(*widget, editArgs->family)));
+            for (auto& [name, value] : intentParametersFor(*widget, editArgs->assignments))
+                placed.parameters.insert_or_assign(name, value);
+            if (editArgs->atOption->count() > 0) placed.position = positionFrom(editArgs->at);
+            edited = placed;
+        });
         printJSON(listed(edited));
     });
 
@@ -149,12 +152,11 @@ void registerPlaceCommands(CLI::App& app, const GlobalOptions&) {
     auto removeID = std::make_shared<std::string>();
     remove->add_option("ID", *removeID, "The placed widget's id (see list)")->required();
     remove->callback([removeID] {
-        const auto file = storeFile();
-        const auto load = loadStore(file);
-        auto widgets = load.widgets;
-        const auto removed = placementNamed(widgets, *removeID);
-        std::erase(widgets, removed);
-        saveStore(file, load, widgets);
+        PlacedWidget removed;
+        changeStore(storeFile(), [&](std::vector<PlacedWidget>& widgets) {
+            removed = placementNamed(widgets, *removeID);
+            std::erase(widgets, removed);
+        });
         printJSON(listed(removed));
     });
 

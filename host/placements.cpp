@@ -1,5 +1,9 @@
 #include "host/placements.hpp"
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -8,8 +12,11 @@
 #include <set>
 #include <sstream>
 #include <system_error>
+#include <thread>
+#include <utility>
 
 #include "platform/atomic_write.hpp"
+#include "platform/read_file.hpp"
 
 namespace mw {
 namespace {
@@ -43,13 +50,13 @@ struct Fault {
     std::string message;
 };
 
-const nlohmann::json& member(const nlohmann::json& object, const char* key, const std::string& where) {
+const nlohmann::ordered_json& member(const nlohmann::ordered_json& object, const char* key, const std::string& where) {
     const auto it = object.find(key);
     if (it == object.end()) throw Fault{where + ": missing " + inQuotes(key)};
     return *it;
 }
 
-std::string stringMember(const nlohmann::json& object, const char* key, const std::string& where) {
+std::string stringMember(const nlohmann::ordered_json& object, const char* key, const std::string& where) {
     const auto& value = member(object, key, where);
     if (!value.is_string()) throw Fault{where + ": " + inQuotes(key) + " must be a string"};
     auto text = value.get<std::string>();
@@ -57,15 +64,39 @@ std::string stringMember(const nlohmann::json& object, const char* key, const st
     return text;
 }
 
-int integerMember(const nlohmann::json& object, const char* key, const std::string& where) {
+int integerMember(const nlohmann::ordered_json& object, const char* key, const std::string& where) {
     const auto& value = member(object, key, where);
     if (!value.is_number_integer()) throw Fault{where + ": " + inQuotes(key) + " must be an integer"};
+    // Read as unsigned, 2^64-1 would wrap to -1 and pass.
+    if (value.is_number_unsigned() && value.get<unsigned long long>() > static_cast<unsigned long long>(kPositionLimit))
+        throw Fault{where + ": " + inQuotes(key) + " is out of range"};
     const auto wide = value.get<long long>();
     if (wide < -kPositionLimit || wide > kPositionLimit) throw Fault{where + ": " + inQuotes(key) + " is out of range"};
     return static_cast<int>(wide);
 }
 
-PlacedWidget decodeWidget(const nlohmann::json& j, std::size_t index) {
+constexpr std::array<std::string_view, 5> kWidgetMembers{"id", "kind", "family", "parameters", "position"};
+constexpr std::array<std::string_view, 2> kDocumentMembers{"version", "widgets"};
+
+template <std::size_t N>
+nlohmann::ordered_json unknownMembers(const nlohmann::ordered_json& object,
+                                      const std::array<std::string_view, N>& known) {
+    nlohmann::ordered_json unknown;
+    for (const auto& [name, value] : object.items())
+        if (std::find(known.begin(), known.end(), name) == known.end()) unknown[name] = value;
+    return unknown;
+}
+
+// Appends the unknown members that do not clash with a known one.
+template <std::size_t N>
+void appendUnknown(nlohmann::ordered_json& object, const nlohmann::ordered_json& unknown,
+                   const std::array<std::string_view, N>& known) {
+    if (!unknown.is_object()) return;
+    for (const auto& [name, value] : unknown.items())
+        if (std::find(known.begin(), known.end(), name) == known.end()) object[name] = value;
+}
+
+PlacedWidget decodeWidget(const nlohmann::ordered_json& j, std::size_t index) {
     const std::string where = "widget " + std::to_string(index + 1);
     if (!j.is_object()) throw Fault{where + " must be an object"};
     PlacedWidget widget;
@@ -83,6 +114,7 @@ PlacedWidget decodeWidget(const nlohmann::json& j, std::size_t index) {
         if (!it->is_object()) throw Fault{where + ": \"position\" must be an object"};
         widget.position = {integerMember(*it, "x", where), integerMember(*it, "y", where)};
     }
+    widget.unknown = unknownMembers(j, kWidgetMembers);
     return widget;
 }
 
@@ -92,6 +124,26 @@ std::string fileStamp(Date now) {
     for (const char c : formatISO8601(now))
         if (c != '-' && c != ':') stamp += c;
     return stamp;
+}
+
+// What saving replaces: the file a symbolic link leads to, so a link kept
+// by a dotfiles manager goes on pointing at the store. Only a regular file
+// (or nothing yet) is written through; a link to anything else (a device, a
+// directory, a loop) is itself replaced.
+std::filesystem::path linkTarget(const std::filesystem::path& file) {
+    std::filesystem::path current = file;
+    for (int hops = 0; hops < 40; ++hops) {
+        std::error_code ec;
+        const auto status = std::filesystem::symlink_status(current, ec);
+        if (!std::filesystem::is_symlink(status)) {
+            const bool usable = std::filesystem::is_regular_file(status) || !std::filesystem::exists(status);
+            return usable ? current : file;
+        }
+        const auto next = std::filesystem::read_symlink(current, ec);
+        if (ec) return file;
+        current = next.is_absolute() ? next : current.parent_path() / next;
+    }
+    return file;
 }
 
 // Moves a bad file out of the way; nothing when it cannot be moved.
@@ -133,30 +185,43 @@ std::string_view rawValue(PlacementsStatus status) {
 nlohmann::ordered_json toJSON(const PlacedWidget& widget) {
     nlohmann::ordered_json parameters = nlohmann::ordered_json::object();
     for (const auto& [name, value] : widget.parameters) parameters[name] = value;
-    return {
+    nlohmann::ordered_json json{
         {"id", widget.id},
         {"kind", widget.kind},
         {"family", widget.family},
         {"parameters", std::move(parameters)},
         {"position", {{"x", widget.position.x}, {"y", widget.position.y}}},
     };
+    appendUnknown(json, widget.unknown, kWidgetMembers);
+    return json;
 }
 
-std::string encodePlacements(const std::vector<PlacedWidget>& widgets) {
+std::string encodePlacements(const std::vector<PlacedWidget>& widgets, const nlohmann::ordered_json& documentUnknown) {
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
     for (const auto& widget : widgets) list.push_back(toJSON(widget));
-    const nlohmann::ordered_json document{{"version", kPlacementsFormatVersion}, {"widgets", std::move(list)}};
-    return document.dump(2) + "\n";
+    nlohmann::ordered_json document{{"version", kPlacementsFormatVersion}, {"widgets", std::move(list)}};
+    appendUnknown(document, documentUnknown, kDocumentMembers);
+    // Replaced rather than thrown on: a kept member may hold text that is
+    // not valid UTF-8 only if it was read that way, which parse refuses.
+    return document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+}
+
+nlohmann::ordered_json unknownDocumentMembers(std::string_view json) {
+    const auto document = nlohmann::ordered_json::parse(json, nullptr, false);
+    if (document.is_discarded() || !document.is_object()) return {};
+    return unknownMembers(document, kDocumentMembers);
 }
 
 Parsed<std::vector<PlacedWidget>> decodePlacements(std::string_view json) {
     using Result = Parsed<std::vector<PlacedWidget>>;
-    const auto document = nlohmann::json::parse(json, nullptr, false);
+    const auto document = nlohmann::ordered_json::parse(json, nullptr, false);
     if (document.is_discarded()) return Result::failure("not valid JSON");
     try {
         if (!document.is_object()) throw Fault{"the document must be an object"};
         if (const auto it = document.find("version"); it != document.end()) {
             if (!it->is_number_integer()) throw Fault{"\"version\" must be an integer"};
+            if (it->is_number_unsigned() && it->get<unsigned long long>() > 1'000'000)
+                throw Fault{"\"version\" is out of range"};
             if (it->get<long long>() > kPlacementsFormatVersion)
                 throw Fault{"written by a newer version (format " + std::to_string(it->get<long long>()) + ")"};
         }
@@ -175,36 +240,42 @@ Parsed<std::vector<PlacedWidget>> decodePlacements(std::string_view json) {
     }
 }
 
-PlacementsLoad loadPlacements(const std::filesystem::path& file, Date now) {
+PlacementsLoad readPlacements(const std::filesystem::path& file) {
     PlacementsLoad load;
-    std::error_code ec;
-    const auto status = std::filesystem::symlink_status(file, ec);
-    if (ec || !std::filesystem::exists(status)) {
+    auto read = readRegularFile(file, kPlacementsMaxBytes);
+    if (read.error == FileReadError::missing) {
+        // A dangling link is a missing store too; saving writes its target.
         load.status = PlacementsStatus::missing;
         return load;
     }
-
-    std::string bytes;
-    bool readable = std::filesystem::is_regular_file(std::filesystem::status(file, ec));
-    if (readable) {
-        std::ifstream in(file, std::ios::binary);
-        std::ostringstream buffer;
-        buffer << in.rdbuf();
-        readable = in.good() || in.eof();
-        if (!in.is_open()) readable = false;
-        bytes = buffer.str();
-    }
-    if (!readable) {
+    if (read.error) {
         load.status = PlacementsStatus::unreadable;
-        load.problem = "it cannot be read";
-    } else if (auto decoded = decodePlacements(bytes)) {
+        switch (*read.error) {
+            case FileReadError::notRegular: load.problem = "it is not a regular file"; break;
+            case FileReadError::tooLarge:
+                load.problem = "it is larger than " + std::to_string(kPlacementsMaxBytes / (1024 * 1024)) + " MB";
+                break;
+            default: load.problem = "it cannot be read"; break;
+        }
+        return load;
+    }
+    if (auto decoded = decodePlacements(read.bytes)) {
         load.widgets = std::move(*decoded.value);
+        load.unknown = unknownDocumentMembers(read.bytes);
         return load;
     } else {
         load.status = PlacementsStatus::corrupt;
         load.problem = decoded.error;
     }
-    load.keptAs = moveAside(file, now);
+    return load;
+}
+
+PlacementsLoad loadPlacements(const std::filesystem::path& file, Date now) {
+    auto load = readPlacements(file);
+    if (load.status == PlacementsStatus::unreadable || load.status == PlacementsStatus::corrupt) {
+        load.keptAs = moveAside(linkTarget(file), now);
+        load.moveTried = true;
+    }
     return load;
 }
 
@@ -213,15 +284,91 @@ std::string problemReport(const std::filesystem::path& file, const PlacementsLoa
     std::string report = file.string() + " could not be used (" + load.problem + "); ";
     if (load.keptAs)
         report += "kept as " + load.keptAs->string() + ", starting with no widgets";
+    else if (!load.moveTried)
+        report += "left as it is until widgets are next saved, when it is kept aside";
     else
         report += "it could not be moved aside, so it is left untouched and nothing will be saved";
     return report;
 }
 
-bool savePlacements(const std::filesystem::path& file, const std::vector<PlacedWidget>& widgets) {
+bool savePlacements(const std::filesystem::path& file, const std::vector<PlacedWidget>& widgets,
+                    const nlohmann::ordered_json& documentUnknown) {
+    const auto target = linkTarget(file);
+    std::error_code ec;
+    std::filesystem::create_directories(target.parent_path(), ec);
+    return writeFileAtomically(target, encodePlacements(widgets, documentUnknown));
+}
+
+std::optional<PlacementsLock> PlacementsLock::acquire(const std::filesystem::path& file,
+                                                      std::chrono::milliseconds patience, std::string& why) {
     std::error_code ec;
     std::filesystem::create_directories(file.parent_path(), ec);
-    return writeFileAtomically(file, encodePlacements(widgets));
+    const auto lockFile = file.string() + kPlacementsLockSuffix;
+    // O_NOFOLLOW: a link planted at the lock's name is not followed.
+    const int fd = ::open(lockFile.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0644);
+    if (fd < 0) {
+        why = "cannot open the lock file " + lockFile;
+        return std::nullopt;
+    }
+    // Polled rather than blocking, so a writer that hangs on to the lock
+    // costs a message after `patience`, never a frozen program.
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    for (;;) {
+        if (::flock(fd, LOCK_EX | LOCK_NB) == 0) return PlacementsLock(fd);
+        if (errno != EWOULDBLOCK && errno != EINTR) break;
+        if (std::chrono::steady_clock::now() >= deadline) {
+            ::close(fd);
+            why = "another program has kept " + lockFile + " locked for too long";
+            return std::nullopt;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    ::close(fd);
+    why = "cannot lock " + lockFile;
+    return std::nullopt;
+}
+
+PlacementsLock::PlacementsLock(PlacementsLock&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
+
+PlacementsLock& PlacementsLock::operator=(PlacementsLock&& other) noexcept {
+    if (this != &other) {
+        if (fd_ >= 0) ::close(fd_);
+        fd_ = std::exchange(other.fd_, -1);
+    }
+    return *this;
+}
+
+PlacementsLock::~PlacementsLock() {
+    if (fd_ >= 0) ::close(fd_);  // closing the only descriptor releases the flock
+}
+
+PlacementsEdit modifyPlacements(const std::filesystem::path& file, Date now,
+                                const std::function<bool(std::vector<PlacedWidget>&)>& edit,
+                                std::chrono::milliseconds patience) {
+    PlacementsEdit result;
+    std::string why;
+    const auto lock = PlacementsLock::acquire(file, patience, why);
+    if (!lock) {
+        result.load.status = PlacementsStatus::unreadable;
+        result.load.problem = why;
+        result.error = why;
+        return result;
+    }
+    result.load = readPlacements(file);
+    auto widgets = result.load.widgets;
+    result.changed = edit(widgets);
+    if (!result.changed) return result;
+    if (result.load.status == PlacementsStatus::unreadable || result.load.status == PlacementsStatus::corrupt) {
+        result.load.keptAs = moveAside(linkTarget(file), now);
+        result.load.moveTried = true;
+        if (!result.load.keptAs) {
+            result.error = "not saving over " + file.string() + ": it could not be read and could not be moved aside";
+            return result;
+        }
+    }
+    result.saved = savePlacements(file, widgets, result.load.unknown);
+    if (!result.saved) result.error = "cannot write " + file.string();
+    return result;
 }
 
 Parsed<ResolvedPlacement> resolvePlacement(const PlacedWidget& placed) {

@@ -1,11 +1,20 @@
 #pragma once
 // The widgets placed on the desktop: what the host shows and the
 // `place`/`list`/`edit`/`remove` commands manage. One JSON file,
-// $XDG_CONFIG_HOME/meterwick/widgets.json, rewritten atomically. A file that
-// cannot be read or parsed is never overwritten: it is moved aside and
-// reported, and the store starts afresh.
+// $XDG_CONFIG_HOME/meterwick/widgets.json, rewritten atomically (through a
+// symbolic link to the link's target). A file that cannot be read or parsed
+// is never overwritten: it is moved aside and reported, and the store starts
+// afresh.
+//
+// Locking rule: every read-modify-write holds an exclusive flock on
+// "widgets.json.lock" beside the file, from the read to the rename of the new
+// file, so two writers (two scripts, the CLI and a drag in the host) never
+// lose each other's updates. Use `modifyPlacements` for it. Plain reads take
+// no lock: the file is always replaced whole.
 
+#include <chrono>
 #include <filesystem>
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
@@ -20,7 +29,10 @@
 namespace mw {
 
 inline constexpr const char* kPlacementsFileName = "widgets.json";
+inline constexpr const char* kPlacementsLockSuffix = ".lock";  // widgets.json.lock
 inline constexpr int kPlacementsFormatVersion = 1;
+// Far larger than any list of widgets; a bigger file is unreadable.
+inline constexpr std::size_t kPlacementsMaxBytes = 4 * 1024 * 1024;
 
 // Top-left corner on the desktop, in points.
 struct WidgetPosition {
@@ -38,6 +50,9 @@ struct PlacedWidget {
     std::string family;           // raw family, "systemSmall"
     IntentParameters parameters;  // raw values and entity ids by parameter name
     WidgetPosition position;
+    // Members this build does not know (written by a newer version), kept
+    // as they were and written back after the known ones. Null when none.
+    nlohmann::ordered_json unknown{};
     bool operator==(const PlacedWidget&) const = default;
 };
 
@@ -56,13 +71,18 @@ std::optional<std::filesystem::path> placementsFile(const ConfigEnvironment& env
 std::optional<std::filesystem::path> placementsFile();
 
 // The file's JSON: {"version":1,"widgets":[{id, kind, family, parameters,
-// position:{x,y}}…]}.
+// position:{x,y}}…]}. Unknown members, of the document (`documentUnknown`)
+// and of each widget, are written back after the known ones.
 nlohmann::ordered_json toJSON(const PlacedWidget& widget);
-std::string encodePlacements(const std::vector<PlacedWidget>& widgets);
+std::string encodePlacements(const std::vector<PlacedWidget>& widgets,
+                             const nlohmann::ordered_json& documentUnknown = {});
 // Strict: any structural fault (wrong types, a missing id, kind or family,
-// duplicate ids, a newer format) fails the whole document with a message.
-// `parameters` and `position` may be left out.
+// duplicate ids, a newer format, an integer out of range) fails the whole
+// document with a message. `parameters` and `position` may be left out.
 Parsed<std::vector<PlacedWidget>> decodePlacements(std::string_view json);
+// The document's members other than "version" and "widgets" (null when
+// none, or when the text is not a JSON object).
+nlohmann::ordered_json unknownDocumentMembers(std::string_view json);
 
 enum class PlacementsStatus { ok, missing, unreadable, corrupt };
 std::string_view rawValue(PlacementsStatus status);
@@ -72,6 +92,8 @@ struct PlacementsLoad {
     PlacementsStatus status = PlacementsStatus::ok;
     std::string problem;                          // why the file could not be used
     std::optional<std::filesystem::path> keptAs;  // where the unusable file now is
+    bool moveTried = false;                       // false: the bad file was left in place on purpose
+    nlohmann::ordered_json unknown{};             // the document's unknown members, kept on save
     bool operator==(const PlacementsLoad&) const = default;
 
     // Whether saving may replace the file: it was fine, absent, or the bad
@@ -83,13 +105,58 @@ struct PlacementsLoad {
 // "widgets.json.corrupt-YYYYMMDDTHHMMSSZ" (a number appended when taken) and
 // the load comes back empty with the problem described.
 PlacementsLoad loadPlacements(const std::filesystem::path& file, Date now);
+// Reads the store and leaves a bad file where it is (`keptAs` stays empty):
+// for readers that will not save, and for a change notification that may
+// have caught an editor half way through writing.
+PlacementsLoad readPlacements(const std::filesystem::path& file);
 
 // One line for a person: what was wrong with the file and where it went.
 // Empty when there was nothing to report.
 std::string problemReport(const std::filesystem::path& file, const PlacementsLoad& load);
 
-// Creates the directory when needed and writes atomically.
-bool savePlacements(const std::filesystem::path& file, const std::vector<PlacedWidget>& widgets);
+// Creates the directory when needed and writes atomically. When `file` is a
+// symbolic link (a dotfiles manager's), the link is kept and its target is
+// replaced, atomically, beside the target.
+bool savePlacements(const std::filesystem::path& file, const std::vector<PlacedWidget>& widgets,
+                    const nlohmann::ordered_json& documentUnknown = {});
+
+// An exclusive flock on "<file>.lock", released when destroyed.
+class PlacementsLock {
+public:
+    // Waits up to `patience` for another writer to finish; nothing when the
+    // lock could not be had (with the reason in `why`).
+    static std::optional<PlacementsLock> acquire(const std::filesystem::path& file,
+                                                 std::chrono::milliseconds patience, std::string& why);
+    PlacementsLock(PlacementsLock&& other) noexcept;
+    PlacementsLock& operator=(PlacementsLock&& other) noexcept;
+    PlacementsLock(const PlacementsLock&) = delete;
+    PlacementsLock& operator=(const PlacementsLock&) = delete;
+    ~PlacementsLock();
+
+private:
+    explicit PlacementsLock(int fd) : fd_(fd) {}
+    int fd_ = -1;
+};
+
+inline constexpr std::chrono::milliseconds kPlacementsLockPatience{5000};
+
+// How one locked read-modify-write went.
+struct PlacementsEdit {
+    PlacementsLoad load;  // as read, under the lock; report its problem
+    bool changed = false; // the edit asked for a save
+    bool saved = false;
+    std::string error;    // why a wanted save did not happen; empty otherwise
+    bool operator==(const PlacementsEdit&) const = default;
+};
+
+// The one way to change the store: takes the lock, reads the file, lets
+// `edit` change the list (it returns whether anything changed; it may
+// throw, and nothing is saved then), moves an unusable file aside only now
+// that it is about to be replaced, saves with the unknown members kept, and
+// releases the lock.
+PlacementsEdit modifyPlacements(const std::filesystem::path& file, Date now,
+                                const std::function<bool(std::vector<PlacedWidget>&)>& edit,
+                                std::chrono::milliseconds patience = kPlacementsLockPatience);
 
 // The widget and family a placement names in this build, or why it cannot
 // be shown.

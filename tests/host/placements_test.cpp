@@ -5,6 +5,8 @@
 #include <unistd.h>
 
 #include <fstream>
+#include <functional>
+#include <thread>
 
 #include "support/temp_dir.hpp"
 
@@ -89,14 +91,40 @@ TEST(PlacementsStore, ACorruptFileIsKeptAsideAndReported) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 2) << "the two copies, nothing else";
 }
 
-TEST(PlacementsStore, AFileThatCannotBeReadIsKeptAsideToo) {
-    const TempDir dir;
-    std::filesystem::create_directory(dir / "widgets.json");  // reading a directory fails
-    const auto load = loadPlacements(dir / "widgets.json", kNow);
-    EXPECT_EQ(load.status, PlacementsStatus::unreadable);
-    ASSERT_TRUE(load.keptAs);
-    EXPECT_TRUE(std::filesystem::is_directory(*load.keptAs));
-    EXPECT_NE(problemReport(dir / "widgets.json", load).find("cannot be read"), std::string::npos);
+TEST(PlacementsStore, WhatIsNotASmallRegularFileIsUnreadableAtOnceAndKeptAside) {
+    // Each of these hung, filled memory or read garbage before the store
+    // read only regular files of bounded size; the ctest deadline catches a
+    // hang.
+    struct Case {
+        const char* name;
+        std::function<void(const std::filesystem::path&)> make;
+        const char* problem;
+    };
+    const Case cases[] = {
+        {"directory", [](const auto& f) { std::filesystem::create_directory(f); }, "not a regular file"},
+        {"fifo", [](const auto& f) { ASSERT_EQ(::mkfifo(f.c_str(), 0644), 0); }, "not a regular file"},
+        // The link is what is kept aside: never the device it leads to.
+        {"link to /dev/zero", [](const auto& f) { std::filesystem::create_symlink("/dev/zero", f); },
+         "not a regular file"},
+        {"sparse 2 GB",
+         [](const auto& f) {
+             std::ofstream(f).close();
+             std::filesystem::resize_file(f, 2ull << 30);
+         },
+         "larger than"},
+    };
+    for (const auto& c : cases) {
+        const TempDir dir;
+        const auto file = dir / "widgets.json";
+        c.make(file);
+        const auto read = readPlacements(file);
+        EXPECT_EQ(read.status, PlacementsStatus::unreadable) << c.name;
+        EXPECT_FALSE(read.keptAs) << c.name << ": a plain read leaves the file where it is";
+        const auto load = loadPlacements(file, kNow);
+        ASSERT_TRUE(load.keptAs) << c.name;
+        EXPECT_EQ(load.keptAs->parent_path(), dir.path()) << c.name;
+        EXPECT_NE(problemReport(file, load).find(c.problem), std::string::npos) << c.name;
+    }
 }
 
 TEST(PlacementsStore, ABadFileThatCannotBeMovedIsNeitherMovedNorWritable) {
@@ -134,6 +162,12 @@ TEST(PlacementsDecoding, RejectsStructuralFaultsWithAMessage) {
         {R"({"widgets": [{"id": "a", "kind": "k", "family": "f", "position": {"x": 1.5, "y": 0}}]})",
          "\"x\" must be an integer"},
         {R"({"widgets": [{"id": "a", "kind": "k", "family": "f", "position": {"x": 1}}]})", "missing \"y\""},
+        // Read as a signed integer these wrapped to -1 and were accepted.
+        {R"({"widgets": [{"id": "a", "kind": "k", "family": "f", "position": {"x": 18446744073709551615, "y": 0}}]})",
+         "\"x\" is out of range"},
+        {R"({"widgets": [{"id": "a", "kind": "k", "family": "f", "position": {"x": 0, "y": 9223372036854775808}}]})",
+         "\"y\" is out of range"},
+        {R"({"version": 18446744073709551615, "widgets": []})", "\"version\" is out of range"},
         {R"({"widgets": [{"id": "a", "kind": "k", "family": "f"}, {"id": "a", "kind": "k", "family": "f"}]})",
          "\"a\" is used twice"},
     };
@@ -148,7 +182,8 @@ TEST(PlacementsDecoding, KeepsKindsAndFamiliesThisBuildDoesNotKnow) {
     const auto decoded = decodePlacements(
         R"({"widgets": [{"id": "w", "kind": "MeterwickFuture", "family": "systemHuge", "extra": true}]})");
     ASSERT_TRUE(decoded);
-    EXPECT_EQ(*decoded.value, (std::vector<PlacedWidget>{{"w", "MeterwickFuture", "systemHuge", {}, {0, 0}}}));
+    EXPECT_EQ(*decoded.value, (std::vector<PlacedWidget>{
+                                  {"w", "MeterwickFuture", "systemHuge", {}, {0, 0}, {{"extra", true}}}}));
     // …and writes them back unchanged.
     EXPECT_EQ(decodePlacements(encodePlacements(*decoded.value)).value, decoded.value);
 }
@@ -198,6 +233,92 @@ TEST(PlacementEditing, ParsesPositions) {
         EXPECT_FALSE(parsed) << bad;
         EXPECT_NE(parsed.error.find("X,Y"), std::string::npos) << bad;
     }
+}
+
+}  // namespace
+}  // namespace mw
+
+namespace mw {
+namespace {
+
+// Read-modify-write through the lock: concurrent writers, links, and
+// members written by a newer version.
+TEST(PlacementsModify, ConcurrentWritersLoseNoUpdate) {
+    const TempDir dir;
+    const auto file = dir / "meterwick" / "widgets.json";
+    constexpr int kWriters = 4;
+    constexpr int kEach = 15;
+    std::vector<std::thread> writers;
+    for (int w = 0; w < kWriters; ++w)
+        writers.emplace_back([&, w] {
+            for (int i = 0; i < kEach; ++i)
+                modifyPlacements(file, kNow, [&](std::vector<PlacedWidget>& widgets) {
+                    widgets.push_back({"w" + std::to_string(w) + "-" + std::to_string(i), "MeterwickFocus",
+                                       "systemSmall", {}, {}});
+                    return true;
+                });
+        });
+    for (auto& t : writers) t.join();
+    EXPECT_EQ(readPlacements(file).widgets.size(), std::size_t{kWriters * kEach});
+}
+
+TEST(PlacementsModify, AHeldLockDelaysThenRefusesWithoutTouchingTheFile) {
+    const TempDir dir;
+    const auto file = dir / "widgets.json";
+    ASSERT_TRUE(savePlacements(file, threeWidgets()));
+    std::string why;
+    auto held = PlacementsLock::acquire(file, std::chrono::milliseconds(0), why);
+    ASSERT_TRUE(held) << why;
+    const auto edit = modifyPlacements(
+        file, kNow, [](auto& widgets) { return widgets.clear(), true; }, std::chrono::milliseconds(50));
+    EXPECT_FALSE(edit.saved);
+    EXPECT_NE(edit.error.find("locked"), std::string::npos) << edit.error;
+    EXPECT_EQ(readPlacements(file).widgets, threeWidgets());
+    held.reset();
+    EXPECT_TRUE(modifyPlacements(file, kNow, [](auto& widgets) { return widgets.clear(), true; }).saved);
+}
+
+TEST(PlacementsModify, WritesThroughALinkAndKeepsUnknownMembers) {
+    const TempDir dir;
+    std::filesystem::create_directories(dir / "dotfiles");
+    std::filesystem::create_directories(dir / "config");
+    const auto target = dir / "dotfiles" / "widgets.json";
+    const auto file = dir / "config" / "widgets.json";
+    std::filesystem::create_symlink("../dotfiles/widgets.json", file);
+    dir.write("dotfiles/widgets.json", R"({"version": 1, "theme": {"glass": 0.4}, "widgets": [
+        {"id": "focus-1", "kind": "MeterwickFocus", "family": "systemSmall", "monitor": "DP-1"}]})");
+
+    const auto edit = modifyPlacements(file, kNow, [](std::vector<PlacedWidget>& widgets) {
+        widgets.front().position = {10, 20};
+        return true;
+    });
+    ASSERT_TRUE(edit.saved) << edit.error;
+    EXPECT_TRUE(std::filesystem::is_symlink(file)) << "the dotfiles manager's link is kept";
+    const auto written = nlohmann::json::parse(readFile(target));
+    EXPECT_EQ(written["theme"], nlohmann::json({{"glass", 0.4}}));
+    EXPECT_EQ(written["widgets"][0]["monitor"], "DP-1");
+    EXPECT_EQ(written["widgets"][0]["position"], nlohmann::json({{"x", 10}, {"y", 20}}));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir / "dotfiles"), {}), 1)
+        << "the new file replaced the target beside it, leaving no temporary";
+
+    // A corrupt target is kept aside beside itself, and the link still leads to the new list.
+    dir.write("dotfiles/widgets.json", "{");
+    ASSERT_TRUE(modifyPlacements(file, kNow, [](auto&) { return true; }).saved);
+    EXPECT_TRUE(std::filesystem::is_symlink(file));
+    EXPECT_EQ(readPlacements(file).status, PlacementsStatus::ok);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir / "dotfiles"), {}), 2);
+}
+
+TEST(PlacementsModify, AnEditThatThrowsOrChangesNothingLeavesTheFileAlone) {
+    const TempDir dir;
+    const auto file = dir / "widgets.json";
+    dir.write("widgets.json", "not json");
+    EXPECT_THROW(modifyPlacements(file, kNow, [](auto&) -> bool { throw std::runtime_error("no such id"); }),
+                 std::runtime_error);
+    EXPECT_FALSE(modifyPlacements(file, kNow, [](auto&) { return false; }).changed);
+    EXPECT_EQ(readFile(file), "not json") << "a bad file is moved aside only when it is about to be replaced";
+    std::string why;
+    EXPECT_TRUE(PlacementsLock::acquire(file, std::chrono::milliseconds(0), why)) << "the lock was released";
 }
 
 }  // namespace
