@@ -21,6 +21,10 @@ namespace {
 
 // The application replaces files by renaming; a burst of events becomes one reload.
 constexpr guint kFileChangeDebounceMilliseconds = 300;
+// A widgets.json that does not parse may be an editor part way through
+// saving in place: it is read again after these delays before the host
+// settles on it being broken (and even then it is left where it is).
+constexpr guint kStoreRetryMilliseconds[] = {500, 1000, 2000, 4000};
 
 gboolean quitOnSignal(gpointer application) {
     g_application_quit(G_APPLICATION(application));
@@ -131,6 +135,7 @@ void HostApplication::startup() {
     }
 
     builds_ = std::make_unique<BackgroundQueue>();
+    edits_ = std::make_unique<BackgroundQueue>();
     desktopWatch_ = std::make_unique<DesktopWatch>(
         [this](render::Appearance a) {
             auto f = [&] { setAppearance(a); };
@@ -153,6 +158,7 @@ void HostApplication::startup() {
 // left to end with the process.
 void HostApplication::shutdown() {
     sync_.reset();
+    storeRetry_.reset();
     payloadWatch_.reset();
     storeWatch_.reset();
     if (busConnection_ != nullptr && busRegistration_ != 0)
@@ -163,6 +169,7 @@ void HostApplication::shutdown() {
     windows_.clear();
     desktopWatch_.reset();
     builds_.reset();
+    edits_.reset();
     if (termSignal_ != 0) g_source_remove(std::exchange(termSignal_, 0));
     if (intSignal_ != 0) g_source_remove(std::exchange(intSignal_, 0));
 }
@@ -316,8 +323,21 @@ void HostApplication::openURL(const std::string& url) const {
 std::set<std::string> HostApplication::syncPlacements() {
     std::set<std::string> created;
     if (!storeFile_) return created;
-    const auto load = loadPlacements(*storeFile_, systemNow());
-    if (const auto problem = problemReport(*storeFile_, load); !problem.empty()) report(problem);
+    // Only read here: a file that does not parse is never moved aside on a
+    // change notification, only when the host is about to save over it.
+    const auto load = readPlacements(*storeFile_);
+    if (load.status == PlacementsStatus::corrupt || load.status == PlacementsStatus::unreadable) {
+        if (const auto problem = problemReport(*storeFile_, load); problem != storeProblem_) {
+            storeProblem_ = problem;
+            report(problem + "; the widgets on screen stay as they were");
+        }
+        if (storeRetries_ < std::size(kStoreRetryMilliseconds))
+            storeRetry_ = timeoutOnce(kStoreRetryMilliseconds[storeRetries_++], [this] { syncPlacements(); });
+        return created;  // the windows stay as they are
+    }
+    storeRetry_.reset();
+    storeRetries_ = 0;
+    storeProblem_.clear();
 
     std::set<std::string> shown;
     for (const auto& placed : load.widgets) {
@@ -369,21 +389,24 @@ void HostApplication::setAppearance(render::Appearance appearance) {
     if (addDialog_) addDialog_->appearanceChanged();
 }
 
-// Windows ask for edits from their own signal handlers, so the windows are
-// brought in line with the saved file afterwards, from the main loop.
-void HostApplication::editStore(const std::function<bool(std::vector<PlacedWidget>&)>& edit) {
+// Windows ask for edits from their own signal handlers; the edit waits for
+// the store's lock off the main loop, and the windows are brought in line
+// with the saved file afterwards.
+void HostApplication::editStore(std::function<bool(std::vector<PlacedWidget>&)> edit) {
     if (!storeFile_) return;
-    const auto load = loadPlacements(*storeFile_, systemNow());
-    if (const auto problem = problemReport(*storeFile_, load); !problem.empty()) report(problem);
-    if (!load.writable()) return;
-    auto widgets = load.widgets;
-    if (!edit(widgets)) return;
-    if (!savePlacements(*storeFile_, widgets)) report("cannot write " + storeFile_->string());
-    sync_ = idleOnce([this] { syncPlacements(); });
+    edits_->submit([this, file = *storeFile_, edit = std::move(edit)] {
+        auto result = std::make_shared<PlacementsEdit>(modifyPlacements(file, systemNow(), edit));
+        invokeOnMain([this, file, result] {
+            if (const auto problem = problemReport(file, result->load); !problem.empty()) report(problem);
+            if (!result->error.empty()) report(result->error);
+            storeRetries_ = 0;
+            sync_ = idleOnce([this] { syncPlacements(); });
+        });
+    });
 }
 
 void HostApplication::setParameter(const std::string& id, const std::string& name, const std::string& value) {
-    editStore([&](std::vector<PlacedWidget>& widgets) {
+    editStore([id, name, value](std::vector<PlacedWidget>& widgets) {
         for (auto& w : widgets)
             if (w.id == id) {
                 if (w.parameters[name] == value) return false;
@@ -395,7 +418,7 @@ void HostApplication::setParameter(const std::string& id, const std::string& nam
 }
 
 void HostApplication::setPosition(const std::string& id, WidgetPosition position) {
-    editStore([&](std::vector<PlacedWidget>& widgets) {
+    editStore([id, position](std::vector<PlacedWidget>& widgets) {
         for (auto& w : widgets)
             if (w.id == id && w.position != position) {
                 w.position = position;
@@ -406,17 +429,17 @@ void HostApplication::setPosition(const std::string& id, WidgetPosition position
 }
 
 void HostApplication::removeWidget(const std::string& id) {
-    editStore([&](std::vector<PlacedWidget>& widgets) {
+    editStore([id](std::vector<PlacedWidget>& widgets) {
         return std::erase_if(widgets, [&](const auto& w) { return w.id == id; }) > 0;
     });
 }
 
 void HostApplication::addWidget(const WidgetDeclaration& widget, WidgetFamily family,
                                 std::optional<WidgetPosition> near) {
-    editStore([&](std::vector<PlacedWidget>& widgets) {
+    editStore([widget = &widget, family, near](std::vector<PlacedWidget>& widgets) {
         const auto position = near ? WidgetPosition{near->x + 32, near->y + 32} : defaultPosition(widgets);
-        widgets.push_back({nextPlacementID(widgets, widget), std::string(widget.kind), std::string(rawValue(family)),
-                           defaultParameters(widget), position});
+        widgets.push_back({nextPlacementID(widgets, *widget), std::string(widget->kind), std::string(rawValue(family)),
+                           defaultParameters(*widget), position});
         return true;
     });
 }

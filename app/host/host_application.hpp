@@ -99,7 +99,9 @@ class HostApplication {
 
     // Edits from the windows. Each reads the store afresh, changes the one
     // widget and saves, so edits made meanwhile on the command line survive.
-    void editStore(const std::function<bool(std::vector<PlacedWidget>&)>& edit);
+    // Runs off the main loop under the store's lock; the windows follow the
+    // saved file afterwards.
+    void editStore(std::function<bool(std::vector<PlacedWidget>&)> edit);
     void setParameter(const std::string& id, const std::string& name, const std::string& value);
     void setPosition(const std::string& id, WidgetPosition position);
     void removeWidget(const std::string& id);
@@ -118,6 +120,7 @@ class HostApplication {
     render::Appearance appearance_ = render::Appearance::light;
     std::unique_ptr<DesktopWatch> desktopWatch_;
     std::unique_ptr<BackgroundQueue> builds_;  // timeline builds, one at a time
+    std::unique_ptr<BackgroundQueue> edits_;   // locked read-modify-writes of widgets.json, in order
     HostCounters counters_;
 
     GDBusNodeInfo* introspection_ = nullptr;
@@ -126,6 +129,9 @@ class HostApplication {
     std::unique_ptr<ContainerWatch> payloadWatch_;
     std::unique_ptr<FileWatch> storeWatch_;
     Source sync_;
+    Source storeRetry_;  // a widgets.json that did not parse is read again shortly
+    unsigned storeRetries_ = 0;
+    std::string storeProblem_;  // the last problem reported, so a retry does not repeat it
     guint termSignal_ = 0;
     guint intSignal_ = 0;
 };
