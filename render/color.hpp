@@ -3,18 +3,26 @@
 // system's semantic colours (label hierarchy, accent, window background) that
 // are resolved for an appearance only when a display list is painted.
 //
-// The semantic values follow macOS AppKit's dynamic system colours
-// (labelColor, secondaryLabelColor, tertiaryLabelColor, quaternaryLabelColor,
-// controlAccentColor blue, windowBackgroundColor), which the widget designs
-// were drawn against:
+// The label hierarchy keeps AppKit's shape (black or white at falling
+// opacities) but with opacities chosen for small text on the window colour:
+// secondary reaches at least 4.5:1 and tertiary at least 3:1 against the
+// window background (and against a card tinted with primary at 0.05) in both
+// appearances, while each stays visibly dimmer than the one above it.
 //
 //   name              light                      dark
 //   primary           black  at 0.85             white at 0.85
-//   secondary         black  at 0.50             white at 0.55
-//   tertiary          black  at 0.26             white at 0.25
+//   secondary         black  at 0.62             white at 0.62
+//   tertiary          black  at 0.47             white at 0.44
 //   quaternary        black  at 0.10             white at 0.10
 //   accent            #007AFF                    #0A84FF
 //   windowBackground  #ECECEC                    #323232
+//
+// A plain colour may carry a contrast floor: when painted, a colour that
+// stands out from the window background by less than the floor is made
+// lighter (dark appearance) or darker (light appearance) just enough to
+// reach it, keeping its hue. On the dark surface the floor is a quarter
+// step higher, where the ratio flatters near-black colours. Brand colours use it so that a brand of pure
+// black or pure white never vanishes.
 
 #include <cstdint>
 #include <string>
@@ -39,6 +47,18 @@ struct RGBA {
 
 // "#RRGGBBAA", upper-case hex, each channel rounded to the nearest of 0..255.
 std::string toHex(RGBA color);
+
+// WCAG relative luminance of the opaque colour (alpha ignored).
+double relativeLuminance(RGBA color);
+// WCAG contrast ratio (1 to 21) of `foreground`, composited over the opaque
+// `background` by its alpha, against that background.
+double contrastRatio(RGBA foreground, RGBA background);
+// The opaque colour behind every widget in `appearance`.
+RGBA surfaceColor(Appearance appearance);
+// `color` with its HSL lightness moved away from `background` just enough
+// for an opaque contrast of `ratio` (as far as black or white allows);
+// unchanged when it already reaches it. Alpha is kept.
+RGBA withContrastFloor(RGBA color, RGBA background, double ratio);
 
 class Color {
 public:
@@ -82,6 +102,16 @@ public:
         return c;
     }
 
+    // A plain colour that, when painted, is adjusted to stand out from the
+    // window background by at least `ratio` (see above). Semantic colours
+    // are returned unchanged.
+    constexpr Color withContrastFloor(double ratio) const {
+        Color c = *this;
+        if (kind_ == Kind::rgb) c.contrastFloor_ = ratio;
+        return c;
+    }
+    constexpr double contrastFloor() const { return contrastFloor_; }
+
     constexpr Kind kind() const { return kind_; }
     constexpr bool isSemantic() const { return kind_ != Kind::rgb; }
     // The extra opacity applied on top of the base colour (1 unless withOpacity was used).
@@ -102,6 +132,7 @@ private:
     double b_ = 0;
     double a_ = 0;
     double opacity_ = 1;
+    double contrastFloor_ = 0;
 };
 
 // Raw name of a colour kind: "rgb", "primary", "secondary", …

@@ -47,7 +47,7 @@ TEST(Describe, DumpsDrawnNodesInPaintOrder) {
     ASSERT_EQ(nodes.size(), 4u);
     expectHas(nodes[0], json::parse(R"({"kind": "text", "text": "Usage", "frame": [0, 0, 30, 14.4],
         "font": {"size": 12, "weight": "bold", "design": "default", "monospacedDigits": false, "tracking": 0},
-        "color": "#FFFFFF8C"})"));
+        "color": "#FFFFFF9E"})"));
     EXPECT_EQ(nodes[0]["font"].size(), 5u);
     expectHas(nodes[1],
               json::parse(R"({"kind": "link", "url": "meterwick://tool/claude", "frame": [0, 14.4, 40, 40]})"));

@@ -320,8 +320,8 @@ TEST(Colors, ResolvePerAppearance) {
     };
     const Case cases[] = {
         {Color::primary(), "#000000D9", "#FFFFFFD9"},
-        {Color::secondary(), "#00000080", "#FFFFFF8C"},
-        {Color::tertiary(), "#00000042", "#FFFFFF40"},
+        {Color::secondary(), "#0000009E", "#FFFFFF9E"},
+        {Color::tertiary(), "#00000078", "#FFFFFF70"},
         {Color::accent(), "#007AFFFF", "#0A84FFFF"},
         {Color::windowBackground().withOpacity(0.98), "#ECECECFA", "#323232FA"},
         {Color::primary().withOpacity(0.1), "#00000016", "#FFFFFF16"},
