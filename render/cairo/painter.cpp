@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 #include <numbers>
 #include <utility>
 #include <vector>
@@ -229,9 +230,69 @@ void applyTransform(cairo_t* cr, const Affine& t) {
     cairo_transform(cr, &m);
 }
 
-void drawShape(cairo_t* cr, const ShapeDraw& s, const Rect& f, Appearance appearance) {
+// Pixels per unit of user space on a raster target, when that is a whole
+// number on both axes and nothing rotates or skews; 0 otherwise (vector
+// surfaces, fractional scales, rotated drawing).
+double wholePixelScale(cairo_t* cr) {
+    cairo_surface_t* target = cairo_get_target(cr);
+    if (cairo_surface_get_type(target) != CAIRO_SURFACE_TYPE_IMAGE) return 0;
+    cairo_matrix_t m;
+    cairo_get_matrix(cr, &m);
+    double dx = 1, dy = 1;
+    cairo_surface_get_device_scale(target, &dx, &dy);
+    const double sx = m.xx * dx, sy = m.yy * dy;
+    if (m.xy != 0 || m.yx != 0 || sx != sy || sx < 1) return 0;
+    return std::abs(sx - std::round(sx)) < 1e-9 ? sx : 0;
+}
+
+// Pixels per point on a raster target (the geometric mean of the axes);
+// infinity on vector surfaces, which have no pixels.
+double rasterScale(cairo_t* cr) {
+    cairo_surface_t* target = cairo_get_target(cr);
+    if (cairo_surface_get_type(target) != CAIRO_SURFACE_TYPE_IMAGE) return std::numeric_limits<double>::infinity();
+    cairo_matrix_t m;
+    cairo_get_matrix(cr, &m);
+    double dx = 1, dy = 1;
+    cairo_surface_get_device_scale(target, &dx, &dy);
+    return std::sqrt(std::abs((m.xx * m.yy - m.xy * m.yx) * dx * dy));
+}
+
+// A filled box with its edges moved onto whole device pixels, at least one
+// pixel across: bars, tracks and ticks stay crisp instead of smearing over
+// two pixel rows. Left as it is where pixels are not whole.
+Rect snappedToPixels(cairo_t* cr, const Rect& f) {
+    const double scale = wholePixelScale(cr);
+    if (scale <= 0 || !(f.width > 0) || !(f.height > 0)) return f;
+    cairo_matrix_t m;
+    cairo_get_matrix(cr, &m);
+    double dx = 1, dy = 1;
+    cairo_surface_get_device_scale(cairo_get_target(cr), &dx, &dy);
+    auto snapAxis = [](double a, double b) {
+        double lo = std::round(a), hi = std::round(b);
+        if (hi - lo < 1) {
+            lo = std::floor((a + b) / 2);
+            hi = lo + 1;
+        }
+        return std::pair{lo, hi};
+    };
+    // To device pixels (the matrix is a scale and a translation), and back.
+    const auto [x0, x1] = snapAxis((f.x * m.xx + m.x0) * dx, (f.maxX() * m.xx + m.x0) * dx);
+    const auto [y0, y1] = snapAxis((f.y * m.yy + m.y0) * dy, (f.maxY() * m.yy + m.y0) * dy);
+    const double ux0 = (x0 / dx - m.x0) / m.xx, ux1 = (x1 / dx - m.x0) / m.xx;
+    const double uy0 = (y0 / dy - m.y0) / m.yy, uy1 = (y1 / dy - m.y0) / m.yy;
+    return {ux0, uy0, ux1 - ux0, uy1 - uy0};
+}
+
+bool snapsToPixels(const ShapeDraw& s) {
+    if (s.paint != ShapeDraw::Paint::fill || !s.trim.isFull()) return false;
+    return s.shape.kind == ShapeKind::rectangle || s.shape.kind == ShapeKind::roundedRectangle ||
+           s.shape.kind == ShapeKind::capsule;
+}
+
+void drawShape(cairo_t* cr, const ShapeDraw& s, const Rect& frame, Appearance appearance) {
     const RGBA c = s.color.resolve(appearance);
     if (c.a <= 0) return;
+    const Rect f = snapsToPixels(s) ? snappedToPixels(cr, frame) : frame;
     trimmedShapePath(cr, s.shape, f, s.trim);
     setColor(cr, c);
     if (s.paint == ShapeDraw::Paint::fill) {
@@ -287,7 +348,17 @@ void drawText(cairo_t* cr, PangoContext* context, const TextDraw& t, Rect f, App
     }
     setColor(cr, c);
     cairo_move_to(cr, f.x, f.y);
-    pango_cairo_show_layout(cr, layout);
+    // Cairo's image backend of this generation puts every glyph on a whole
+    // pixel: at one pixel per point the rounding shows as uneven letter
+    // spacing ("On pa ce"). Filled outlines keep each glyph where the
+    // unhinted metrics put it. At two pixels per point and up the glyph
+    // cache is used: its rounding is half as large and no longer visible.
+    if (rasterScale(cr) < 2) {
+        pango_cairo_layout_path(cr, layout);
+        cairo_fill(cr);
+    } else {
+        pango_cairo_show_layout(cr, layout);
+    }
     g_object_unref(layout);
 }
 
