@@ -47,7 +47,8 @@ TEST(ChromeText, AgeTextTruncatesToMinutesThenHoursWithoutDays) {
 }
 
 TEST(ChromeColour, EveryStyleMapsToItsRenderColourWithItsOpacity) {
-    EXPECT_EQ(toRender(Color::rgb(0.1, 0.2, 0.3, 0.4)), RColor::rgb(0.1, 0.2, 0.3, 0.4));
+    // Plain colours carry the brand contrast floor; the styles stay as they are.
+    EXPECT_EQ(toRender(Color::rgb(0.1, 0.2, 0.3, 0.4)), RColor::rgb(0.1, 0.2, 0.3, 0.4).withContrastFloor(1.5));
     EXPECT_EQ(toRender(Color::secondary()), RColor::secondary());
     EXPECT_EQ(toRender(Color::primary(0.3)), RColor::primary().withOpacity(0.3));
     EXPECT_EQ(toRender(Color::windowBackground(0.98)), RColor::windowBackground().withOpacity(0.98));
@@ -56,7 +57,7 @@ TEST(ChromeColour, EveryStyleMapsToItsRenderColourWithItsOpacity) {
 }
 
 TEST(FreshnessMark, HiddenWhileFreshThenLiveOrAgeTurningAmberAtTenMinutes) {
-    const RColor amber = RColor::rgb(0.98, 0.62, 0.16), grey = RColor::secondary();
+    const RColor amber = toRender(Color::rgb(0.98, 0.62, 0.16)), grey = RColor::secondary();
     const struct {
         double age;
         bool always;
@@ -88,7 +89,7 @@ TEST(UsageRing, FractionIsCappedAndOnlyLevelsTwoAndThreeRecolour) {
         double trimTo;
         RColor color;
     } cases[] = {{42, 0, 0.42, brand}, {100, 1, 1, brand}, {150, 4, 1, brand}, {0, -1, 0, brand},
-                 {-5, 2, 0, RColor::rgb(0.98, 0.66, 0.18)}, {std::nan(""), 3, 0, RColor::rgb(0.93, 0.30, 0.30)}};
+                 {-5, 2, 0, toRender(Color::rgb(0.98, 0.66, 0.18))}, {std::nan(""), 3, 0, toRender(Color::rgb(0.93, 0.30, 0.30))}};
     for (const auto& c : cases) {
         const auto ops = shapes(lay(body(UsageRing{c.percent, kBrand, c.level, 9})));
         ASSERT_EQ(ops.size(), 2u);
@@ -169,7 +170,7 @@ TEST(PaceBar, TrackFillAndTickAtTheElapsedShare) {
     EXPECT_EQ(shapes(lay(body(bar), {200, 40})).size(), 1u);  // only the track
 }
 
-TEST(ProviderMark, LogoWhenTheAssetExistsElseTheInitialInACircle) {
+TEST(ProviderMark, LogoWhenTheAssetExistsElseTheInitialOnASolidSquare) {
     const auto logo = lay(body(ProviderMarkView{"claude", kBrand, 20}));
     ASSERT_EQ(logo.ops.size(), 1u);
     const auto& image = std::get<ImageDraw>(logo.ops[0].item);
@@ -177,14 +178,23 @@ TEST(ProviderMark, LogoWhenTheAssetExistsElseTheInitialInACircle) {
     EXPECT_EQ(image.tint, toRender(kBrand));
     EXPECT_EQ(logo.ops[0].frame, (Rect{40, 40, 20, 20}));
 
-    for (const auto& [tool, initial] : {std::pair{"codex", "C"}, {"antigravity", "A"}, {"zeta-2", "Z"}}) {
-        const auto list = lay(body(ProviderMarkView{tool, kBrand, 20}));
-        const auto circle = shapes(list);
-        ASSERT_EQ(list.ops.size(), 2u) << tool;  // the circle and the initial, no image
-        ASSERT_EQ(circle.size(), 1u);
-        EXPECT_EQ(circle[0].frame, (Rect{44, 44, 12, 12}));  // inset 20 × 0.2
-        EXPECT_EQ(shapeOf(circle[0]).color, toRender(kBrand).withOpacity(0.22));
-        EXPECT_EQ(std::get<TextDraw>(list.ops[1].item).text(), initial);
+    // The initial contrasts with the square: white on a dark brand, dark on a pale one.
+    const Color pale = Color::rgb(1.0, 0.9, 0.5);
+    for (const auto& [tool, brand, initial, letter] :
+         {std::tuple{"codex", kBrand, "C", RColor::white()}, {"antigravity", pale, "A", RColor::black(0.85)},
+          {"zeta-2", kBrand, "Z", RColor::white()}}) {
+        const auto list = lay(body(ProviderMarkView{tool, brand, 20}));
+        const auto square = shapes(list);
+        ASSERT_EQ(list.ops.size(), 2u) << tool;  // the square and the initial, no image
+        ASSERT_EQ(square.size(), 1u);
+        EXPECT_EQ(square[0].frame, (Rect{44, 44, 12, 12}));  // inset 20 × 0.2
+        EXPECT_EQ(shapeOf(square[0]).shape.kind, render::ShapeKind::roundedRectangle);
+        EXPECT_EQ(shapeOf(square[0]).color, toRender(brand));  // solid
+        const auto& text = std::get<TextDraw>(list.ops[1].item);
+        EXPECT_EQ(text.text(), initial);
+        EXPECT_EQ(text.color, letter) << tool;
+        EXPECT_GE(text.runs[0].style.font.size, 10) << "at least half the mark";
+        EXPECT_EQ(text.runs[0].style.font.weight, render::Weight::bold);
     }
 }
 

@@ -14,6 +14,12 @@ using render::Font;
 using render::StrokeStyle;
 using render::Weight;
 
+// Plain colours from the model (brands, status colours) stand out from the
+// window background at least this much in either appearance: a brand of pure
+// black on the dark surface, or pure white on the light one, is drawn
+// lightened or darkened just enough. Legible colours are drawn as they are.
+constexpr double kModelColorContrastFloor = 1.5;
+
 // Data younger than this shows no freshness mark unless asked for.
 constexpr double kFreshSeconds = 300;
 // Data this old or older shows its age in amber.
@@ -30,7 +36,8 @@ std::string wholeUnitsAgo(double amount, const char* unit) {
 render::Color toRender(const Color& color) {
     using RC = render::Color;
     switch (color.style) {
-        case ColorStyle::rgb: return RC::rgb(color.red, color.green, color.blue, color.opacity);
+        case ColorStyle::rgb:
+            return RC::rgb(color.red, color.green, color.blue, color.opacity).withContrastFloor(kModelColorContrastFloor);
         case ColorStyle::primary: return RC::primary().withOpacity(color.opacity);
         case ColorStyle::secondary: return RC::secondary().withOpacity(color.opacity);
         case ColorStyle::tertiary: return RC::tertiary().withOpacity(color.opacity);

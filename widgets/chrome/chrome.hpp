@@ -16,7 +16,9 @@
 
 namespace mw {
 
-// The model's colour as a drawing colour (styles stay styles).
+// The model's colour as a drawing colour (styles stay styles). Plain
+// colours carry a contrast floor against the window background, so a brand
+// too close to it is drawn adjusted in lightness.
 render::Color toRender(const Color& color);
 
 // ---- links
@@ -68,7 +70,8 @@ struct FreshnessMark {
 render::View body(const FreshnessMark& mark);
 
 // A tool's monochrome logo ("provider-<toolID>" under assets/), or the
-// placeholder mark (the tool's initial in a circle) when there is none.
+// placeholder mark (the tool's initial, bold, on a solid rounded square in
+// the tool's colour) when there is none.
 struct ProviderMarkView {
     std::string toolID;
     Color color;

@@ -8,7 +8,11 @@ namespace mw {
 
 namespace {
 
-constexpr double kDiscOpacity = 0.22;
+// The square's corners, as a share of its side.
+constexpr double kSquareCornerShare = 0.26;
+// The initial's point size, as a share of the whole mark: a bold capital of
+// half the mark or more reads as a logo's weight beside the drawn ones.
+constexpr double kInitialShare = 0.58;
 
 // The first character of the tool's id, upper-cased when it is an ASCII
 // letter; a multi-byte character is kept whole and as it is.
@@ -24,22 +28,30 @@ std::string initialOf(const std::string& toolID) {
     return toolID.substr(0, length);
 }
 
-// A tool without a logo: its initial in the mark's colour on a disc tinted
-// with the same colour. A disc rather than a ring, so that a letter in a
-// ring is never taken for a copyright sign.
+// Black or white, whichever stands out more from the tool's colour.
+render::Color initialColor(const Color& tool) {
+    const render::RGBA c{tool.red, tool.green, tool.blue, 1};
+    const double onWhite = render::contrastRatio({1, 1, 1, 1}, c);
+    const double onBlack = render::contrastRatio({0, 0, 0, 1}, c);
+    return onWhite >= onBlack ? render::Color::white() : render::Color::black(0.85);
+}
+
+// A tool without a logo: its initial, bold, on a solid rounded square in the
+// tool's colour that fills the inset frame, so that it weighs as much as a
+// drawn logo of the same size.
 render::View placeholder(const ProviderMarkView& mark, const render::Color& color) {
     using namespace render;
     using render::Color;
     const ProviderMark model{mark.toolID, mark.color, mark.size};
     const double inset = providerMarkPlaceholderInset(model);
     const double side = std::max(0.0, mark.size - 2 * inset);
+    const Color letter = mark.color.style == ColorStyle::rgb ? initialColor(mark.color) : Color::white();
     return ZStack({
-                      Circle().fill(color.withOpacity(kDiscOpacity)),
+                      RoundedRectangle(side * kSquareCornerShare).fill(color),
                       Text(initialOf(mark.toolID))
-                          .font(Font::system(side * 0.7, Weight::bold))
+                          .font(Font::system(mark.size * kInitialShare, Weight::bold))
                           .lineLimit(1)
-                          .minimumScaleFactor(0.5)
-                          .foreground(color),
+                          .foreground(letter),
                   })
         .padding(inset)
         .frame(mark.size, mark.size);
