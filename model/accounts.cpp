@@ -122,8 +122,10 @@ std::optional<WidgetUsageWindow> limitWindow(const WidgetAccount& account, Widge
 }
 
 double roomLeft(const WidgetUsageWindow& window) {
-    // max with 0 first: a used percent that is not a number gives 0 room.
-    return std::max(0.0, 100.0 - window.usedPercent);
+    // max with 0 first: a used percent that is not a number gives 0 room. A
+    // negative use (a refund, a provider's rounding) leaves the whole limit,
+    // never more.
+    return std::min(100.0, std::max(0.0, 100.0 - window.usedPercent));
 }
 
 std::string durationText(double seconds) {

@@ -48,7 +48,7 @@ std::string accountTitle(const WidgetAccount& account);
 // "Week") or by exact length (18000 s, 604800 s).
 std::optional<WidgetUsageWindow> limitWindow(const WidgetAccount& account, WidgetLimitChoice limit);
 
-// Room left under a window: 100 − used, never below 0.
+// Room left under a window: 100 − used, held to 0..100.
 double roomLeft(const WidgetUsageWindow& window);
 
 // A span as "45m", "2h 5m", "3d 4h" (minutes rounded, halves away from zero).

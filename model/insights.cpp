@@ -33,6 +33,20 @@ std::optional<double> secondsUntilRunOut(const WidgetUsageWindow& window, Date n
     return untilFull;
 }
 
+// Who a line is about: the provider, and also the account when the provider
+// has several accounts on the board, so that their lines can be told apart
+// ("Claude Work 5h runs out in 26m").
+std::string subjectOf(const WidgetAccount& account, const std::vector<WidgetAccount>& accounts) {
+    const std::string provider = providerTitle(account);
+    const auto siblings = std::count_if(accounts.begin(), accounts.end(), [&](const WidgetAccount& other) {
+        return other.snapshot.toolID == account.snapshot.toolID;
+    });
+    if (siblings < 2) return provider;
+    const std::string rest = accountTitle(account);
+    if (rest == provider || rest.empty()) return provider;
+    return provider + " " + rest;
+}
+
 }  // namespace
 
 std::vector<WidgetInsight> insights(const std::vector<WidgetAccount>& accounts, Date now) {
@@ -45,7 +59,7 @@ std::vector<WidgetInsight> insights(const std::vector<WidgetAccount>& accounts, 
     for (const auto& account : accounts) {
         const auto windows = shownWindows(account);
         if (windows.empty()) continue;
-        const auto provider = providerTitle(account);
+        const auto provider = subjectOf(account, accounts);
 
         for (const auto& window : windows) {
             if (const auto seconds = secondsUntilRunOut(window, now)) {

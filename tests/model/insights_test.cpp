@@ -43,6 +43,23 @@ TEST(Insights, RunsOutSoonestFirstThenNextResetThenHeadroom) {
                                                }));
 }
 
+TEST(Insights, AccountsOfOneProviderAreToldApart) {
+    const auto paced = [] { return std::vector{pacedWindow("5h", 50, kFiveHours, 0.25)}; };
+    auto work = named("Claude \u00B7 Work", paced());
+    auto personal = named("Claude \u00B7 Personal", paced());
+    work.snapshot.toolID = personal.snapshot.toolID = "claude";
+    personal.snapshot.accountSlug = "personal";
+    personal.snapshot.windows->front().usedPercent = 40;
+    const auto codex = named("Codex", paced());
+    const auto texts = lines(insights({work, personal, codex}, kNow));
+    ASSERT_GE(texts.size(), 3u);
+    EXPECT_EQ(texts[0].second, "Claude Work 5h runs out in 1h 15m");
+    EXPECT_EQ(texts[1].second, "Codex 5h runs out in 1h 15m");
+    EXPECT_EQ(texts[2].second, "Claude Personal 5h runs out in 1h 53m");
+    // A provider with one account keeps its short name.
+    EXPECT_EQ(lines(insights({work, codex}, kNow))[0].second, "Claude 5h runs out in 1h 15m");
+}
+
 TEST(Insights, RunsOutNeedsAPaceARateAndRoomBeforeTheReset) {
     struct Case {
         const char* name;

@@ -66,6 +66,15 @@ TEST(LimitBoard, MostRoomFirstWindowlessLastOrAppOrder) {
         EXPECT_EQ(rows(limitBoard(fleet(), c.provider, c.limit, c.percent, c.order)), c.rows) << "case " << &c - cases;
 }
 
+TEST(LimitBoard, RoomLeftNeverExceedsTheWholeLimit) {
+    // A window below zero used leaves the whole limit, not more, and does not
+    // jump ahead of an untouched one.
+    const auto payload = payloadOf({snapshot("claude", std::nullopt, Windows{window("Week", 0)}),
+                                    snapshot("codex", std::nullopt, Windows{window("Week", -5)})});
+    EXPECT_EQ(rows(limitBoard(payload, "all", L::weekly, P::left, O::mostRoom)),
+              (std::vector<Row>{{"claude", 100}, {"codex", 100}}));
+}
+
 TEST(LimitBoard, TiesKeepAccountOrderAndProvidersMatchExactly) {
     const auto payload = payloadOf({
         snapshot("a", std::nullopt, Windows{window("Week", 150)}),
