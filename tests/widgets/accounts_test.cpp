@@ -180,7 +180,7 @@ TEST(AccountsBoard, RowsLinkToTheirAccountsInOrder) {
 TEST(AccountRows, PercentText) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     for (const auto& [used, usedText, leftText] : {std::tuple{62.9, "62%", "37%"}, {140.0, "140%", "0%"},
-                                                   {-5.0, "0%", "105%"}, {1500.0, "999%", "0%"}, {nan, "0%", "0%"}}) {
+                                                   {-5.0, "0%", "100%"}, {1500.0, "999%", "0%"}, {nan, "0%", "0%"}}) {
         EXPECT_EQ(percentText(window("5h", used), false), usedText) << used;
         EXPECT_EQ(percentText(window("5h", used), true), leftText) << used;
     }

@@ -27,8 +27,12 @@ namespace {
 constexpr double kAgeShownAfter = 300;
 
 constexpr double kRowSpacing = 8;
+constexpr double kSpaciousRowSpacing = 16;
 constexpr double kCompactRowSpacing = 5;
 constexpr double kColumnSpacing = 22;
+// A column of this many rows or fewer leaves most of a large board empty at
+// the ordinary size: its rows are drawn spacious instead.
+constexpr std::size_t kSpaciousRowsPerColumn = 3;
 
 View overflowNote(std::size_t hidden) {
     return Text(overflowNoteText(hidden))
@@ -63,29 +67,45 @@ View linked(View row, const WidgetAccount& account) {
     return row.frame(Frame::maxWidthInfinity(Alignment::leading())).link(accountLinkURL(account));
 }
 
-View rowView(const AccountsBoard& board, const WidgetAccount& account) {
+View rowView(const AccountsBoard& board, const WidgetAccount& account, bool spacious) {
     if (board.family == WidgetFamily::systemMedium) {
         return linked(body(CompactAccountRow{account, board.now, board.remaining}), account);
     }
-    return linked(body(AccountRow{account, board.now, board.remaining, 86}), account);
+    return linked(body(AccountRow{account, board.now, board.remaining, 86, spacious}), account);
 }
 
-View column(std::vector<View> rows) {
-    return VStack(std::move(rows), {.alignment = HAlign::leading, .spacing = kRowSpacing})
+View column(std::vector<View> rows, double spacing) {
+    return VStack(std::move(rows), {.alignment = HAlign::leading, .spacing = spacing})
         .frame(Frame::maxWidthInfinity(Alignment::topLeading()));
 }
+
+}  // namespace
+
+bool spaciousRows(WidgetFamily family, std::size_t rowsShown) {
+    switch (family) {
+        case WidgetFamily::systemLarge: return rowsShown <= kSpaciousRowsPerColumn;
+        case WidgetFamily::systemExtraLarge: return rowsShown <= 2 * kSpaciousRowsPerColumn;
+        case WidgetFamily::systemSmall:
+        case WidgetFamily::systemMedium: return false;
+    }
+    return false;
+}
+
+namespace {
 
 // The shown rows, in order. Extra large is wide enough for two columns: the
 // first half goes down the left one, the rest down the right.
 std::vector<View> rowBlocks(const AccountsBoard& board, std::size_t shown) {
+    const bool spacious = spaciousRows(board.family, shown);
     std::vector<View> rows;
     rows.reserve(shown);
-    for (std::size_t i = 0; i < shown; ++i) rows.push_back(rowView(board, board.accounts[i]));
+    for (std::size_t i = 0; i < shown; ++i) rows.push_back(rowView(board, board.accounts[i], spacious));
     if (board.family != WidgetFamily::systemExtraLarge || rows.empty()) return rows;
+    const double spacing = spacious ? kSpaciousRowSpacing : kRowSpacing;
     const auto split = static_cast<std::ptrdiff_t>((rows.size() + 1) / 2);
     std::vector<View> left(rows.begin(), rows.begin() + split);
     std::vector<View> right(rows.begin() + split, rows.end());
-    return {HStack({column(std::move(left)), column(std::move(right))},
+    return {HStack({column(std::move(left), spacing), column(std::move(right), spacing)},
                    {.alignment = VAlign::top, .spacing = kColumnSpacing})};
 }
 
@@ -138,8 +158,9 @@ View body(const AccountsBoard& board) {
     if (const std::size_t count = insightLineCount(board.family, shown); count > 0) {
         rows.push_back(body(InsightsFooter{insights(board.accounts, board.now), count}).padding(Edge::top, 2));
     }
+    const double spacing = medium ? kCompactRowSpacing : spaciousRows(board.family, shown) ? kSpaciousRowSpacing : kRowSpacing;
     View rowStack =
-        VStack(std::move(rows), {.alignment = HAlign::leading, .spacing = medium ? kCompactRowSpacing : kRowSpacing})
+        VStack(std::move(rows), {.alignment = HAlign::leading, .spacing = spacing})
             .frame(Frame::maxInfinity(Alignment::topLeading()));
 
     return VStack({header(board, hidden), rowStack}, {.alignment = HAlign::leading, .spacing = medium ? 0.0 : 9.0})

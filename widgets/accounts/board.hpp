@@ -32,6 +32,10 @@ std::size_t visibleRowCount(WidgetFamily family, std::size_t accountCount);
 // two (at most three).
 std::size_t insightLineCount(WidgetFamily family, std::size_t rowsShown);
 
+// Whether `rowsShown` rows are few enough for the family to draw them
+// spacious (large: three or fewer; extra large: three or fewer a column).
+bool spaciousRows(WidgetFamily family, std::size_t rowsShown);
+
 // "+3 more".
 std::string overflowNoteText(std::size_t hiddenCount);
 

@@ -58,67 +58,96 @@ Titles titlesOf(const WidgetAccount& account) {
 
 // ---------------------------------------------------------------- full row
 
-constexpr double kMarkSize = 12;
-constexpr double kMarkGap = 4;
-constexpr double kBarHeight = 4;
+// The sizes of a full row; a spacious row draws the same elements larger.
+struct RowMetrics {
+    double markSize;
+    double providerSize;
+    double accountSize;
+    double labelSize;
+    double figureSize;
+    double barHeight;
+    double resetSize;
+    double columnSpacing;
+};
 
-View nameColumn(const AccountRow& row, const Color& brand) {
+constexpr RowMetrics kRowMetrics{12, 11, 9, 9, 12, 4, 8.5, 3};
+constexpr RowMetrics kSpaciousMetrics{16, 13, 10.5, 10, 20, 7, 9.5, 5};
+constexpr double kMarkGap = 4;
+
+View nameColumn(const AccountRow& row, const Color& brand, const RowMetrics& m) {
     const Titles titles = titlesOf(row.account);
     View provider = Text(titles.provider)
-                        .font(Font::system(11, Weight::semibold))
+                        .font(Font::system(m.providerSize, Weight::semibold))
                         .foreground(render::Color::primary())
                         .lineLimit(1)
                         .minimumScaleFactor(0.9);
     View account;
     if (titles.account) {
         account = Text(*titles.account)
-                      .font(Font::system(9))
+                      .font(Font::system(m.accountSize))
                       .foreground(render::Color::secondary())
                       .lineLimit(1)
-                      .padding(Edge::leading, kMarkSize + kMarkGap);
+                      .padding(Edge::leading, m.markSize + kMarkGap);
     }
-    View mark = body(ProviderMarkView{row.account.snapshot.toolID, brand, kMarkSize});
+    View mark = body(ProviderMarkView{row.account.snapshot.toolID, brand, m.markSize});
     View column = VStack({HStack({mark, provider}, {.alignment = VAlign::center, .spacing = kMarkGap}), account},
                          {.alignment = HAlign::leading, .spacing = 1});
     return fixedWidth(column, row.nameWidth, Alignment::leading());
 }
 
-View resetLine(const WidgetUsageWindow& window, Date now) {
+View resetLine(const WidgetUsageWindow& window, Date now, double size) {
     const auto text = resetText(window, now);
     if (!text) return {};
-    return HStack({Image::system("arrow.clockwise").font(Font::system(7, Weight::semibold)),
-                   Text(*text).font(Font::system(8.5, Weight::medium)).monospacedDigit()},
+    return HStack({Image::system("arrow.clockwise").font(Font::system(size - 1.5, Weight::semibold)),
+                   Text(*text).font(Font::system(size, Weight::medium)).monospacedDigit()},
                   {.alignment = VAlign::center, .spacing = 2})
         .foreground(render::Color::tertiary())
         .lineLimit(1);
 }
 
-View windowColumn(const WidgetUsageWindow& window, const Color& brand, Date now, bool remaining) {
-    View label =
-        Text(window.label).font(Font::system(9, Weight::medium)).foreground(render::Color::secondary()).lineLimit(1);
+// The window's pace in its colour, for spacious rows.
+View paceLine(const WidgetUsageWindow& window, Date now, double size) {
+    const auto text = paceText(window, now);
+    if (!text) return {};
+    return Text(*text)
+        .font(Font::system(size, Weight::semibold))
+        .foreground(toRender(paceColor(window, now)))
+        .lineLimit(1);
+}
+
+View windowColumn(const WidgetUsageWindow& window, const Color& brand, Date now, bool remaining,
+                  const RowMetrics& m, bool spacious) {
+    View label = Text(window.label)
+                     .font(Font::system(m.labelSize, Weight::medium))
+                     .foreground(render::Color::secondary())
+                     .lineLimit(1);
     View figure = Text(percentText(window, remaining))
-                      .font(Font::system(12, Weight::semibold))
+                      .font(spacious ? Font::system(m.figureSize, Weight::bold, render::Design::rounded)
+                                     : Font::system(m.figureSize, Weight::semibold))
                       .monospacedDigit()
                       .foreground(toRender(fillColor(window, brand, now)))
                       .lineLimit(1)
                       .layoutPriority(1);
+    // The figure is sized first: a long label gives way, the number never.
     View head = HStack({label, Spacer(4), figure}, {.alignment = VAlign::bottom, .spacing = 0});
-    View bar = fixedHeight(body(PaceBar{window, brand, now, remaining, kBarHeight}), kBarHeight);
-    return fillWidth(VStack({head, bar, resetLine(window, now)}, {.alignment = HAlign::leading, .spacing = 3}));
+    View bar = fixedHeight(body(PaceBar{window, brand, now, remaining, m.barHeight}), m.barHeight);
+    View foot = resetLine(window, now, m.resetSize);
+    View pace = spacious ? paceLine(window, now, m.resetSize) : View();
+    return fillWidth(VStack({head, bar, foot, pace}, {.alignment = HAlign::leading, .spacing = m.columnSpacing}));
 }
 
 // What an account without windows shows in their place: its menu-bar text,
 // and the forecast under it when there is one.
-View menuBarColumn(const WidgetToolSnapshot& snapshot) {
+View menuBarColumn(const WidgetToolSnapshot& snapshot, const RowMetrics& m) {
     View forecast;
     if (snapshot.forecastLabel && !snapshot.forecastLabel->empty()) {
         forecast = Text(*snapshot.forecastLabel)
-                       .font(Font::system(8.5, Weight::medium))
+                       .font(Font::system(m.resetSize, Weight::medium))
                        .foreground(render::Color::tertiary())
                        .lineLimit(1);
     }
     View text = Text(snapshot.menuBarText)
-                    .font(Font::system(12, Weight::semibold))
+                    .font(Font::system(m.figureSize, Weight::semibold))
                     .monospacedDigit()
                     .foreground(render::Color::primary())
                     .lineLimit(1);
@@ -129,10 +158,17 @@ View menuBarColumn(const WidgetToolSnapshot& snapshot) {
 
 constexpr double kCompactRowHeight = 20;
 constexpr double kCompactMarkSize = 11;
-constexpr double kCompactFigureWidth = 56;
+// "Week" at 8.5 pt; a longer label is cut.
+constexpr double kCompactLabelWidth = 25;
+// "100%" at 11 pt semibold with tabular digits.
+constexpr double kCompactPercentWidth = 31;
+constexpr double kCompactLabelGap = 3;
+constexpr double kCompactFigureWidth = kCompactLabelWidth + kCompactLabelGap + kCompactPercentWidth;
 constexpr double kCompactBarWidth = 54;
 
-// "5h 62%": the label small and dim, the figure in the window's fill colour.
+// "5h 62%": the label small and dim in a column of its own, the figure in
+// the window's fill colour right-aligned in the next, so that labels and
+// figures line up from row to row whatever the numbers.
 View compactFigure(const WidgetUsageWindow& window, const Color& brand, Date now, bool remaining) {
     View label =
         Text(window.label).font(Font::system(8.5, Weight::medium)).foreground(render::Color::tertiary()).lineLimit(1);
@@ -140,10 +176,10 @@ View compactFigure(const WidgetUsageWindow& window, const Color& brand, Date now
                       .font(Font::system(11, Weight::semibold))
                       .monospacedDigit()
                       .foreground(toRender(fillColor(window, brand, now)))
-                      .lineLimit(1)
-                      .layoutPriority(1);
-    return fixedWidth(HStack({label, figure}, {.alignment = VAlign::center, .spacing = 3}), kCompactFigureWidth,
-                      Alignment::trailing());
+                      .lineLimit(1);
+    return HStack({fixedWidth(label, kCompactLabelWidth, Alignment::leading()),
+                   fixedWidth(figure, kCompactPercentWidth, Alignment::trailing())},
+                  {.alignment = VAlign::center, .spacing = kCompactLabelGap});
 }
 
 View compactName(const WidgetAccount& account) {
@@ -151,13 +187,14 @@ View compactName(const WidgetAccount& account) {
     View provider = Text(titles.provider)
                         .font(Font::system(11, Weight::semibold))
                         .foreground(render::Color::primary())
-                        .lineLimit(1);
+                        .lineLimit(1)
+                        .layoutPriority(1);
     View rest;
     if (titles.account) {
         rest = Text(*titles.account).font(Font::system(10)).foreground(render::Color::secondary()).lineLimit(1);
     }
-    // Neither title outranks the other: the shorter one keeps its full width
-    // when it fits in half the room, and the longer one is cut.
+    // The provider is sized first: when the line is short, the account title
+    // is cut before the provider's name is.
     return fillWidth(HStack({provider, rest}, {.alignment = VAlign::center, .spacing = 4}));
 }
 
@@ -203,14 +240,15 @@ std::string insightSymbol(WidgetInsightKind kind) {
 View body(const AccountRow& row) {
     const Color brand = toolColor(row.account.snapshot);
     const auto windows = shownWindows(row.account);
-    std::vector<View> children{nameColumn(row, brand)};
+    const RowMetrics& m = row.spacious ? kSpaciousMetrics : kRowMetrics;
+    std::vector<View> children{nameColumn(row, brand, m)};
     if (windows.empty()) {
-        children.push_back(menuBarColumn(row.account.snapshot));
+        children.push_back(menuBarColumn(row.account.snapshot, m));
     } else {
-        children.push_back(windowColumn(windows.front(), brand, row.now, row.remaining));
+        children.push_back(windowColumn(windows.front(), brand, row.now, row.remaining, m, row.spacious));
         // A lone window keeps the second slot empty so the columns line up across rows.
         const auto second = secondWindow(row.account);
-        children.push_back(second ? windowColumn(*second, brand, row.now, row.remaining) : Spacer());
+        children.push_back(second ? windowColumn(*second, brand, row.now, row.remaining, m, row.spacious) : Spacer());
     }
     return fillWidth(HStack(std::move(children), {.alignment = VAlign::center, .spacing = 12}));
 }

@@ -25,12 +25,15 @@ std::optional<std::string> resetText(const WidgetUsageWindow& window, Date now);
 // Large and extra large: the mark, provider and account title in a column
 // `nameWidth` wide, then the main and the second window, each with its label,
 // figure, pace bar and reset countdown. An account without windows shows its
-// menu-bar text instead.
+// menu-bar text instead. A `spacious` row (a board with few accounts and room
+// to spare) sets the figures larger, the bars thicker, and adds each
+// window's pace under its reset.
 struct AccountRow {
     WidgetAccount account;
     Date now;
     bool remaining = false;
     double nameWidth = 86;
+    bool spacious = false;
     bool operator==(const AccountRow&) const = default;
 };
 render::View body(const AccountRow& row);

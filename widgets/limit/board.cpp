@@ -35,8 +35,10 @@ constexpr double kCompactBarHeight = 4;
 constexpr double kCompactFigureWidth = 34;
 
 constexpr double kRowSpacing = 16;
+constexpr double kSpaciousRowSpacing = 22;
 constexpr double kMarkSize = 12;
 constexpr double kBarHeight = 5;
+constexpr double kSpaciousBarHeight = 8;
 constexpr double kColumnSpacing = 22;
 
 // Wide enough for the longest countdown ("23h 59m") after its arrow, so the
@@ -92,9 +94,9 @@ View header(const AccountsLimitBoard& board, std::size_t hidden) {
 
 // ---------------------------------------------------------------- rows
 
-// Provider title, then the account title when it says more than that. Both
-// give way alike when the row is short of room: the account title is what
-// tells apart the rows of one provider.
+// Provider title, then the account title when it says more than that. The
+// provider is sized first: when the row is short of room the account title
+// is cut before the provider's name is.
 View names(const WidgetAccount& account, double providerSize, double accountSize) {
     const std::string provider = providerTitle(account);
     const std::string rest = accountTitle(account);
@@ -108,7 +110,8 @@ View names(const WidgetAccount& account, double providerSize, double accountSize
     return HStack({Text(provider)
                        .font(Font::system(providerSize, Weight::semibold))
                        .foreground(render::Color::primary())
-                       .lineLimit(1),
+                       .lineLimit(1)
+                       .layoutPriority(1),
                    accountText},
                   {.alignment = VAlign::center, .spacing = 4});
 }
@@ -127,17 +130,18 @@ View bar(const LimitRow& row, WidgetPercentChoice percent, const Color& brand, D
     return fixedHeight(body(PaceBar{*row.window, brand, now, showsRoomLeft(percent), height}), height);
 }
 
-View resetColumn(const LimitRow& row, Date now) {
+// Left-aligned in its column, so the arrows of all rows line up.
+View resetColumn(const LimitRow& row, Date now, double size = 8.5) {
     View content;
     if (const auto text = limitRowReset(row, now)) {
-        content = HStack({Image::system("arrow.clockwise").font(Font::system(7, Weight::semibold)),
-                          Text(*text).font(Font::system(8.5, Weight::medium)).monospacedDigit()},
+        content = HStack({Image::system("arrow.clockwise").font(Font::system(size - 1.5, Weight::semibold)),
+                          Text(*text).font(Font::system(size, Weight::medium)).monospacedDigit()},
                          {.alignment = VAlign::center, .spacing = 2})
                       .foreground(render::Color::tertiary())
                       .lineLimit(1)
                       .minimumScaleFactor(0.8);
     }
-    return fixedWidth(content, kResetWidth, Alignment::trailing());
+    return fixedWidth(content, size / 8.5 * kResetWidth, Alignment::leading());
 }
 
 // Medium: mark, names, bar, figure and reset on one line.
@@ -156,23 +160,24 @@ View compactRow(const LimitRow& row, const AccountsLimitBoard& board) {
 }
 
 // Large and extra large: mark, names and figure over the bar and the reset.
-View fullRow(const LimitRow& row, const AccountsLimitBoard& board) {
+// A board with few rows draws them larger (see `spaciousLimitRows`).
+View fullRow(const LimitRow& row, const AccountsLimitBoard& board, bool spacious) {
     const Color brand = toolColor(row.account.snapshot);
-    View top = HStack({body(ProviderMarkView{row.account.snapshot.toolID, brand, kMarkSize}),
-                       names(row.account, 11, 10), Spacer(6),
+    View top = HStack({body(ProviderMarkView{row.account.snapshot.toolID, brand, spacious ? 16.0 : kMarkSize}),
+                       names(row.account, spacious ? 13 : 11, spacious ? 11 : 10), Spacer(6),
                        figure(row, board.percent, brand, board.now,
-                              Font::system(13, Weight::bold, render::Design::rounded))
+                              Font::system(spacious ? 22 : 13, Weight::bold, render::Design::rounded))
                            .layoutPriority(2)},
                       {.alignment = VAlign::center, .spacing = 5});
-    View bottom = HStack({bar(row, board.percent, brand, board.now, kBarHeight).frame(
-                              Frame::maxWidthInfinity(Alignment::leading())),
-                          resetColumn(row, board.now)},
+    View bottom = HStack({bar(row, board.percent, brand, board.now, spacious ? kSpaciousBarHeight : kBarHeight)
+                              .frame(Frame::maxWidthInfinity(Alignment::leading())),
+                          resetColumn(row, board.now, spacious ? 9.5 : 8.5)},
                          {.alignment = VAlign::center, .spacing = 8});
-    return VStack({top, bottom}, {.alignment = HAlign::leading, .spacing = 4});
+    return VStack({top, bottom}, {.alignment = HAlign::leading, .spacing = spacious ? 6.0 : 4.0});
 }
 
-View linkedRow(const LimitRow& row, const AccountsLimitBoard& board) {
-    View view = board.family == WidgetFamily::systemMedium ? compactRow(row, board) : fullRow(row, board);
+View linkedRow(const LimitRow& row, const AccountsLimitBoard& board, bool spacious) {
+    View view = board.family == WidgetFamily::systemMedium ? compactRow(row, board) : fullRow(row, board, spacious);
     return view.frame(Frame::maxWidthInfinity(Alignment::leading())).link(accountLinkURL(row.account));
 }
 
@@ -185,10 +190,11 @@ View column(std::vector<View> rows, double spacing) {
 // the left one (so the ranking reads down, then across).
 View rowsView(const AccountsLimitBoard& board, std::size_t shown) {
     const bool medium = board.family == WidgetFamily::systemMedium;
-    const double spacing = medium ? kCompactRowSpacing : kRowSpacing;
+    const bool spacious = spaciousRows(board.family, shown);
+    const double spacing = medium ? kCompactRowSpacing : spacious ? kSpaciousRowSpacing : kRowSpacing;
     std::vector<View> rows;
     rows.reserve(shown);
-    for (std::size_t i = 0; i < shown; ++i) rows.push_back(linkedRow(board.board.rows[i], board));
+    for (std::size_t i = 0; i < shown; ++i) rows.push_back(linkedRow(board.board.rows[i], board, spacious));
     if (board.family != WidgetFamily::systemExtraLarge) return column(std::move(rows), spacing);
     const auto split = static_cast<std::ptrdiff_t>((rows.size() + 1) / 2);
     std::vector<View> left(rows.begin(), rows.begin() + split);
