@@ -93,11 +93,10 @@ View windowRow(const WidgetUsageWindow& window, Color brand, Date now, bool rema
                     .lineLimit(1)
                     .foreground(toRender(resetLineColor(window)));
     }
-    // The texts are sized before the spacer so that it, not the percent, gives way.
-    return render::VStack(
-        {render::HStack({label.layoutPriority(1), render::Spacer(4), percent.layoutPriority(1)}, {.spacing = 0}),
-         reset},
-        {.alignment = HAlign::leading, .spacing = 1});
+    // The label sits over the figure rather than beside it: beside the ring
+    // of a small card there is room for "100%" at its full size, but not for
+    // "Week" next to it.
+    return render::VStack({label, percent, reset}, {.alignment = HAlign::leading, .spacing = 0});
 }
 
 View paceLine(const WidgetUsageWindow& main, Date now, bool remaining) {

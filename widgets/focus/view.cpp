@@ -40,9 +40,7 @@ View ringVariant(const WidgetToolSnapshot& s, const WidgetPayload& payload, Date
                 Text(upperCased(s.displayName))
                     .font(Font::system(9, Weight::semibold))
                     .tracking(0.6)
-                    .foreground(render::Color::secondary())
-                    .lineLimit(1)
-                    .minimumScaleFactor(0.75),
+                    .foreground(render::Color::secondary()),
                 Text(percentText(v) + (remaining ? " left" : ""))
                     .font(Font::system(28, Weight::bold, render::Design::rounded))
                     .foreground(render::Color::primary())
