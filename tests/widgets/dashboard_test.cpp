@@ -107,6 +107,13 @@ TEST(DashboardFormat, GroupedCounts) {
     for (const auto& [value, text] : cases) EXPECT_EQ(groupedCount(value), text) << value;
 }
 
+TEST(DashboardFormat, AxisDaysAreShort) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"2026-11-09", "Nov 9"}, {"2026-01-31", "Jan 31"}, {"2026-13-01", "2026-13-01"}, {"yesterday", "yesterday"},
+        {"2026-1-09", "2026-1-09"}};
+    for (const auto& [day, text] : cases) EXPECT_EQ(shortDayText(day), text) << day;
+}
+
 // Halves round up, in integers, and may round into the next unit.
 TEST(DashboardFormat, CompactCountsKeepThreeSignificantDigits) {
     const std::pair<std::int64_t, const char*> cases[] = {
@@ -249,7 +256,7 @@ TEST(DashboardView, BarsTurnRedFromNinetyPercentAndOneDayShowsOneBar) {
     const auto list = drawn(d, L);  // `bars` points into it
     const auto found = bars(list);
     ASSERT_EQ(found.size(), 3u);
-    EXPECT_EQ(found[0]->color, render::Color::rgb(0x11 / 255.0, 0x22 / 255.0, 0x33 / 255.0));  // the tool's brand
+    EXPECT_EQ(found[0]->color, toRender(Color::rgb(0x11 / 255.0, 0x22 / 255.0, 0x33 / 255.0)));  // the tool's brand
     EXPECT_EQ(found[1]->color, toRender(dangerRed()));
     EXPECT_EQ(found[2]->color, toRender(dangerRed()));
 
@@ -257,6 +264,21 @@ TEST(DashboardView, BarsTurnRedFromNinetyPercentAndOneDayShowsOneBar) {
     EXPECT_EQ(bars(one).size(), 1u);
     EXPECT_TRUE(hasText(one, "day 1"));
     EXPECT_TRUE(hasText(one, "1 day"));
+}
+
+TEST(DashboardView, HiddenCardsAreCountedAndAChartlessDashboardUsesTheRoom) {
+    const auto nine = drawn(dashboard(9, 14, true), L);
+    EXPECT_TRUE(hasText(nine, "+3 more"));
+    EXPECT_FALSE(hasText(drawn(dashboard(3, 14, true), L), "+0 more"));
+
+    // Without history the cards are drawn roomy, and extra large stacks the
+    // table under them rather than beside them.
+    for (const auto family : {L, XL}) {
+        const auto plan = dashboardPlan(dashboard(3, 0, true), family);
+        EXPECT_TRUE(plan.roomyCards) << rawValue(family);
+        EXPECT_FALSE(plan.sideBySide) << rawValue(family);
+    }
+    EXPECT_FALSE(dashboardPlan(dashboard(3, 14, true), XL).roomyCards);
 }
 
 TEST(DashboardView, HeaderCapsulesAndTheRecordsOwnTimeInTheFooter) {
@@ -290,8 +312,9 @@ TEST(DashboardView, CardTexts) {
     auto list = lay(entryOf(p, "claude"), L);
     ASSERT_TRUE(hasText(list, "62%"));  // truncated
     EXPECT_EQ(textNamed(list, "+6% vs pace")->color, toRender(warnOrange()));
-    EXPECT_DOUBLE_EQ(textNamed(list, "Idle")->color.opacity(), 0.45);
-    EXPECT_DOUBLE_EQ(textNamed(list, "Weekly")->color.opacity(), 1);
+    // An idle card is quieter but stays legible: its title is secondary, not faded.
+    EXPECT_EQ(textNamed(list, "Idle")->color, render::Color::secondary());
+    EXPECT_EQ(textNamed(list, "Weekly")->color, render::Color::primary());
 
     p.showRemaining = true;  // the ring shows what is left
     list = lay(entryOf(p, "claude"), L);

@@ -126,4 +126,21 @@ std::string costText(double value, NumberStyle style) {
     return style == NumberStyle::grouped ? dollarText(value) : compactDollarText(value);
 }
 
+std::string shortDayText(const std::string& day) {
+    static constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                              "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+    const auto digits = [&day](std::size_t from, std::size_t count) {
+        int value = 0;
+        for (std::size_t i = from; i < from + count; ++i) {
+            if (day[i] < '0' || day[i] > '9') return -1;
+            value = value * 10 + (day[i] - '0');
+        }
+        return value;
+    };
+    if (day.size() != 10 || day[4] != '-' || day[7] != '-' || digits(0, 4) < 0) return day;
+    const int month = digits(5, 2), dayOfMonth = digits(8, 2);
+    if (month < 1 || month > 12 || dayOfMonth < 1 || dayOfMonth > 31) return day;
+    return std::string(kMonths[month - 1]) + " " + std::to_string(dayOfMonth);
+}
+
 }  // namespace mw

@@ -35,6 +35,10 @@ enum class NumberStyle : std::uint8_t { grouped, compact };
 NumberStyle tokenNumberStyle(const WidgetTokenSummary& tokens, std::size_t maxChars);
 
 std::string countText(std::int64_t value, NumberStyle style);
+
+// A history day "2026-11-09" as the chart's axis writes it: "Nov 9". A text
+// that is not such a date is returned as it is.
+std::string shortDayText(const std::string& day);
 std::string costText(double value, NumberStyle style);
 
 }  // namespace mw

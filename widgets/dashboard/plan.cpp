@@ -25,13 +25,6 @@ FamilyShape shapeOf(WidgetFamily family) {
     return {size.width - 32, size.height - 32, extraLarge ? std::size_t{30} : std::size_t{14}};
 }
 
-double cardsHeight(const DashboardPlan& plan) {
-    const auto rows = static_cast<double>(plan.cardRows());
-    if (rows == 0) return 0;
-    const double card = plan.wideCards ? M::wideCardHeight : M::tallCardHeight;
-    return rows * card + (rows - 1) * M::cardSpacing;
-}
-
 double tableHeight(const DashboardPlan& plan) { return plan.tableRows > 0 ? M::tableHeight(plan.tableRows) : 0; }
 double chartHeight(const DashboardPlan& plan) { return plan.chartDays > 0 ? M::chartMinHeight() : 0; }
 
@@ -49,6 +42,10 @@ double stacked(std::initializer_list<double> sections) {
 
 // Takes one step back: false when nothing is left to give up.
 bool giveWay(DashboardPlan& plan) {
+    if (plan.roomyCards) {
+        plan.roomyCards = false;
+        return true;
+    }
     if (plan.tableRows > 0) {
         --plan.tableRows;
         return true;
@@ -66,6 +63,16 @@ bool giveWay(DashboardPlan& plan) {
 
 }  // namespace
 
+double dashboardCardHeight(bool wide, bool roomy) {
+    return roomy ? M::roomyCardHeight : wide ? M::wideCardHeight : M::tallCardHeight;
+}
+
+double dashboardCardsHeight(const DashboardPlan& plan) {
+    const auto rows = static_cast<double>(plan.cardRows());
+    if (rows == 0) return 0;
+    return rows * dashboardCardHeight(plan.wideCards, plan.roomyCards) + (rows - 1) * M::cardSpacing;
+}
+
 std::size_t dashboardCardColumns(std::size_t cards) {
     if (cards == 4) return 2;
     return std::min(cards, kMaxCardColumns);
@@ -80,8 +87,10 @@ DashboardPlan dashboardPlan(const WidgetDashboard& dashboard, WidgetFamily famil
 
     // Extra large sets cards and table side by side, in one band above the
     // chart; everything else is one column the width of the widget.
-    plan.sideBySide =
-        family == WidgetFamily::systemExtraLarge && !dashboard.cards.empty() && dashboard.tokens.has_value();
+    // Without a chart the band would leave the lower half empty: the cards
+    // and the table then go one above the other, each the full width.
+    plan.sideBySide = family == WidgetFamily::systemExtraLarge && !dashboard.cards.empty() &&
+                      dashboard.tokens.has_value() && plan.chartDays > 0;
     plan.mainWidth = plan.sideBySide ? (shape.width - M::columnSpacing) / 2 : shape.width;
 
     const std::size_t cards = std::min(dashboard.cards.size(), kMaxCardColumns * kMaxCardRows);
@@ -91,6 +100,7 @@ DashboardPlan dashboardPlan(const WidgetDashboard& dashboard, WidgetFamily famil
         const auto columns = static_cast<double>(plan.cardColumns);
         const double cardWidth = (plan.mainWidth - (columns - 1) * M::cardSpacing) / columns;
         plan.wideCards = cardWidth >= M::wideCardMinWidth;
+        plan.roomyCards = plan.chartDays == 0;
     }
 
     if (dashboard.tokens) {
@@ -103,8 +113,8 @@ DashboardPlan dashboardPlan(const WidgetDashboard& dashboard, WidgetFamily famil
     const double available = shape.height - M::headerHeight - M::sectionSpacing;
     const auto needed = [&] {
         if (plan.sideBySide)
-            return stacked({std::max(cardsHeight(plan), tableHeight(plan)), chartHeight(plan), M::footerHeight});
-        return stacked({cardsHeight(plan), chartHeight(plan), tableHeight(plan), M::footerHeight});
+            return stacked({std::max(dashboardCardsHeight(plan), tableHeight(plan)), chartHeight(plan), M::footerHeight});
+        return stacked({dashboardCardsHeight(plan), chartHeight(plan), tableHeight(plan), M::footerHeight});
     };
     while (needed() > available + 1e-9 && giveWay(plan)) {
     }

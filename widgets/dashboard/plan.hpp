@@ -21,6 +21,7 @@ struct DashboardMetrics {
     static constexpr double tallCardHeight = 88;  // ring above the texts
     static constexpr double wideCardHeight = 52;  // ring beside the texts
     static constexpr double wideCardMinWidth = 150;
+    static constexpr double roomyCardHeight = 124;  // tall, larger ring: a dashboard without a chart
     static constexpr double captionHeight = 11;   // "Daily peak", "Tokens"
     static constexpr double captionSpacing = 4;
     static constexpr double chartLabelsHeight = 10;
@@ -44,23 +45,30 @@ struct DashboardPlan {
     std::size_t cardColumns = 0;  // 0: no card grid
     std::size_t cardsShown = 0;   // the first cards of the record
     bool wideCards = false;       // ring beside the texts rather than above them
+    bool roomyCards = false;      // no chart: tall cards with a larger ring take its room
     std::size_t chartSlots = 0;   // days the chart spans: 14 large, 30 extra large
     std::size_t chartDays = 0;    // the last entries of `daily` drawn; 0: no chart
     int tableRows = 0;            // 0: no table; 1: Today; 2: Today and Month
     NumberStyle numberStyle = NumberStyle::grouped;
-    bool sideBySide = false;      // extra large: cards and table share one band
+    bool sideBySide = false;      // extra large with a chart: cards and table share one band
     double mainWidth = 0;         // width of the card grid and of the table
     bool operator==(const DashboardPlan&) const = default;
 
     std::size_t cardRows() const { return cardColumns == 0 ? 0 : (cardsShown + cardColumns - 1) / cardColumns; }
 };
 
+// The height of one card, and of the plan's whole card grid.
+double dashboardCardHeight(bool wide, bool roomy);
+double dashboardCardsHeight(const DashboardPlan& plan);
+
 // Cards per row for n cards: up to three in a row, four as two by two.
 std::size_t dashboardCardColumns(std::size_t cards);
 
-// What fits. At most six cards (two rows) are shown. When not everything
-// fits, the sections give way in this order: the chart shrinks to its
-// minimum, the table loses its Month row, then the table goes, then the
+// What fits. At most six cards (two rows) are shown. Without a chart the
+// cards are drawn roomy (tall, with a larger ring) when that fits. When not
+// everything fits, the sections give way in this order: roomy cards go back
+// to their usual size, the chart shrinks to its minimum, the table loses its
+// Month row, then the table goes, then the
 // chart, then the second card row. A section without data is never planned
 // (no cards, empty history, no token summary). Families other than large and
 // extra large are planned as large.

@@ -26,10 +26,19 @@ using M = DashboardMetrics;
 
 namespace {
 
-constexpr double kRingSide = 34;
-constexpr double kRingLineWidth = 5;
+// The ring and its figure, at the usual size and in a roomy card.
+struct RingMetrics {
+    double side;
+    double lineWidth;
+    double figureSize;
+    double captionSize;
+};
+constexpr RingMetrics kRing{34, 5, 10, 6.5};
+constexpr RingMetrics kRoomyRing{60, 7, 16, 8};
 constexpr double kCardCorner = 10;
-constexpr double kIdleOpacity = 0.45;
+// An idle card's ring is dimmed; its texts keep their colours so that they
+// stay readable.
+constexpr double kIdleRingOpacity = 0.45;
 // A lower bound of a 9 pt semibold character's width, so that a capsule's
 // minimum width never exceeds the text it holds.
 constexpr double kCapsuleCharWidth = 4.4;
@@ -73,10 +82,18 @@ View body(const DashboardHeader& h) {
     if (h.isRateLimited)
         title.push_back(capsule("Rate limited", toRender(dangerRed()), toRender(dangerRed()).withOpacity(0.15))
                             .fixedSize());
+    View hidden;
+    if (h.hiddenCards > 0)
+        hidden = Text("+" + std::to_string(h.hiddenCards) + " more")
+                     .font(Font::system(8.5, Weight::semibold))
+                     .foreground(RColor::tertiary())
+                     .lineLimit(1)
+                     .fixedSize();
     return render::HStack(
                {
                    render::HStack(std::move(title), {.alignment = VAlign::center, .spacing = 6})
                        .frame(Frame::maxWidthInfinity(Alignment::leading())),
+                   hidden,
                    body(FreshnessMark{h.now, h.updatedAt, false}),
                },
                {.alignment = VAlign::center, .spacing = 6})
@@ -100,35 +117,47 @@ double cardRingPercent(const WidgetUsageCard& card, bool remaining) {
 namespace {
 
 View cardRing(const DashboardCard& c) {
+    const RingMetrics& m = c.roomy ? kRoomyRing : kRing;
     const double percent = cardRingPercent(c.card, c.remaining);
     char number[32];
     std::snprintf(number, sizeof number, "%lld", percentValue(percent));
-    const View figure = (Text(number).font(Font::system(10, Weight::bold, render::Design::rounded)) +
-                         Text("%").font(Font::system(5.5, Weight::bold, render::Design::rounded)))
+    const View figure = (Text(number).font(Font::system(m.figureSize, Weight::bold, render::Design::rounded)) +
+                         Text("%").font(Font::system(m.figureSize * 0.55, Weight::bold, render::Design::rounded)))
                             .monospacedDigit()
                             .lineLimit(1)
                             .minimumScaleFactor(0.6);
     View caption;
     if (c.remaining)
-        caption = Text("left").font(Font::system(6.5, Weight::semibold)).foreground(RColor::secondary()).lineLimit(1);
-    const double hole = kRingSide - 2 * kRingLineWidth;
-    return body(UsageRing{percent, c.tool, c.card.dangerLevel, kRingLineWidth})
-        .frame(kRingSide, kRingSide)
+        caption = Text("left")
+                      .font(Font::system(m.captionSize, Weight::semibold))
+                      .foreground(RColor::secondary())
+                      .lineLimit(1);
+    const double hole = m.side - 2 * m.lineWidth;
+    return body(UsageRing{percent, c.tool, c.card.dangerLevel, m.lineWidth})
+        .opacity(c.card.isIdle ? kIdleRingOpacity : 1)
+        .frame(m.side, m.side)
         .overlay(render::VStack({figure, caption}, {.alignment = HAlign::center, .spacing = 0}).frame(hole, hole));
 }
 
-std::vector<View> cardTexts(const WidgetUsageCard& card) {
-    const View title = render::HStack({render::Image::system(card.icon).font(Font::system(9, Weight::semibold))
+std::vector<View> cardTexts(const WidgetUsageCard& card, bool roomy) {
+    const double size = roomy ? 12 : 10;
+    // An idle card's title is secondary rather than primary: quieter, still legible.
+    const View title = render::HStack({render::Image::system(card.icon)
+                                           .font(Font::system(size - 1, Weight::semibold))
                                            .foreground(RColor::secondary()),
-                                       Text(card.title).font(Font::system(10, Weight::semibold))},
+                                       Text(card.title)
+                                           .font(Font::system(size, Weight::semibold))
+                                           .foreground(card.isIdle ? RColor::secondary() : RColor::primary())},
                                       {.alignment = VAlign::center, .spacing = 3})
                            .lineLimit(1);
     View reset;
     if (!card.resetText.empty())
-        reset = Text(card.resetText).font(Font::system(8.5)).foreground(RColor::tertiary());
+        reset = Text(card.resetText).font(Font::system(roomy ? 9.5 : 8.5)).foreground(RColor::tertiary());
     View detail;
     if (const auto text = cardDetailText(card))
-        detail = Text(*text).font(Font::system(8.5, Weight::medium)).foreground(toRender(cardDetailColor(card)));
+        detail = Text(*text)
+                     .font(Font::system(roomy ? 9.5 : 8.5, Weight::medium))
+                     .foreground(toRender(cardDetailColor(card)));
     return {title, reset, detail};
 }
 
@@ -136,36 +165,34 @@ std::vector<View> cardTexts(const WidgetUsageCard& card) {
 
 View body(const DashboardCard& c) {
     View content;
-    double height = M::tallCardHeight;
-    if (c.wide) {
-        height = M::wideCardHeight;
-        content = render::HStack({cardRing(c), render::VStack(cardTexts(c.card), {.alignment = HAlign::leading, .spacing = 1})
+    const double height = dashboardCardHeight(c.wide, c.roomy);
+    if (c.wide && !c.roomy) {
+        content = render::HStack({cardRing(c), render::VStack(cardTexts(c.card, false), {.alignment = HAlign::leading, .spacing = 1})
                                                    .frame(Frame::maxWidthInfinity(Alignment::leading()))},
                                  {.alignment = VAlign::center, .spacing = 8})
                       .padding(render::EdgeInsets{8, 9, 8, 9});
     } else {
-        content = render::VStack({cardRing(c), render::VStack(cardTexts(c.card), {.alignment = HAlign::center, .spacing = 1})},
-                                 {.alignment = HAlign::center, .spacing = 4})
+        content = render::VStack({cardRing(c), render::VStack(cardTexts(c.card, c.roomy), {.alignment = HAlign::center, .spacing = c.roomy ? 2.0 : 1.0})},
+                                 {.alignment = HAlign::center, .spacing = c.roomy ? 8.0 : 4.0})
                       .multilineTextAlignment(render::TextAlignment::center)
-                      .padding(7);
+                      .padding(c.roomy ? 10 : 7);
     }
     // Texts that do not fit are cut rather than shrunk, so every card's
     // lines keep one size.
     return content.lineLimit(1)
-        .frame(fillWidth(height, c.wide ? Alignment::leading() : Alignment::top()))
-        .background(render::RoundedRectangle(kCardCorner).fill(RColor::primary().withOpacity(0.05)))
-        .opacity(c.card.isIdle ? kIdleOpacity : 1);
+        .frame(fillWidth(height, c.wide && !c.roomy ? Alignment::leading() : Alignment::top()))
+        .background(render::RoundedRectangle(kCardCorner).fill(RColor::primary().withOpacity(0.05)));
 }
 
 View body(const DashboardCardGrid& grid) {
     if (grid.cards.empty() || grid.columns == 0) return {};
-    const double height = grid.wide ? M::wideCardHeight : M::tallCardHeight;
+    const double height = dashboardCardHeight(grid.wide, grid.roomy);
     std::vector<View> rows;
     for (std::size_t start = 0; start < grid.cards.size(); start += grid.columns) {
         std::vector<View> row;
         for (std::size_t i = start; i < start + grid.columns; ++i) {
             if (i < grid.cards.size())
-                row.push_back(body(DashboardCard{grid.cards[i], grid.tool, grid.wide, grid.remaining}));
+                row.push_back(body(DashboardCard{grid.cards[i], grid.tool, grid.wide, grid.remaining, grid.roomy}));
             else
                 row.push_back(View().frame(fillWidth(height)));  // keeps the last row's cards as wide as the rest
         }
@@ -189,9 +216,11 @@ namespace {
 
 constexpr double kBarShare = 0.62;  // of a day's slot; the rest is the gap
 constexpr double kMinBarHeight = 1;
-// Room for one date text at 8 pt; a first label closer than two of these to
-// the right edge would run into the last one.
-constexpr double kDateLabelRoom = 52;
+// Room for one date text at 8 pt ("Nov 30"); a first label closer than two
+// of these to the right edge would run into the last one.
+constexpr double kDateLabelRoom = 36;
+// At the right of the bars: the dashed line's value.
+constexpr double kChartGutter = 24;
 
 struct Slots {
     double slot;
@@ -207,13 +236,23 @@ Slots slotsFor(const DailyChart& chart, double width) {
     return {slot, bar, firstX};
 }
 
-View bars(const DailyChart& chart, render::Size size) {
+View bars(const DailyChart& chart, render::Size offered) {
+    const render::Size size{std::max(0.0, offered.width - kChartGutter), offered.height};
     const Slots s = slotsFor(chart, size.width);
     const RColor faint = RColor::primary().withOpacity(0.12);
+    constexpr double kLabelHeight = 10;
     std::vector<View> layers{
-        render::Path(render::PathData::polyline({{0, 0.5}, {1, 0.5}}))
-            .stroke(faint, render::StrokeStyle{.lineWidth = 0.5, .dash = {2, 2}}),
+        render::Path(render::PathData::polyline({{0, size.height / 2}, {size.width, size.height / 2}}, false))
+            .stroke(faint, render::StrokeStyle{.lineWidth = 0.5, .dash = {2, 2}})
+            .frame(size.width, size.height),
         render::Rectangle().fill(faint).frame(size.width, 0.5).offset(0, size.height - 0.5),
+        Text("50%")
+            .font(Font::system(7.5, Weight::medium))
+            .monospacedDigit()
+            .foreground(RColor::tertiary())
+            .lineLimit(1)
+            .frame(kChartGutter, kLabelHeight, Alignment::trailing())
+            .offset(size.width, size.height / 2 - kLabelHeight / 2),
     };
     for (std::size_t i = 0; i < chart.days.size(); ++i) {
         const double peak = chart.days[i].peakPercent;
@@ -228,11 +267,12 @@ View bars(const DailyChart& chart, render::Size size) {
     return render::ZStack(std::move(layers), {.alignment = Alignment::topLeading()});
 }
 
-View dateLabels(const DailyChart& chart, render::Size size) {
+View dateLabels(const DailyChart& chart, render::Size offered) {
     if (chart.days.empty()) return {};
+    const render::Size size{std::max(0.0, offered.width - kChartGutter), offered.height};
     const Slots s = slotsFor(chart, size.width);
     const auto label = [](const std::string& text) {
-        return Text(text).font(Font::system(8)).foreground(RColor::tertiary()).lineLimit(1);
+        return Text(shortDayText(text)).font(Font::system(8)).foreground(RColor::tertiary()).lineLimit(1);
     };
     View first;
     if (chart.days.size() >= 2 && size.width - s.firstX >= 2 * kDateLabelRoom)

@@ -26,6 +26,7 @@ struct DashboardHeader {
     bool isRateLimited = false;
     Date now;
     Date updatedAt;  // the payload's, for the freshness mark
+    std::size_t hiddenCards = 0;  // cards the plan had no room for: "+3 more"
     bool operator==(const DashboardHeader&) const = default;
 };
 render::View body(const DashboardHeader& header);
@@ -38,6 +39,7 @@ struct DashboardCard {
     Color tool;
     bool wide = false;
     bool remaining = false;  // the payload's showRemaining: the ring shows what is left
+    bool roomy = false;      // a tall card with a larger ring and texts, where the chart left room
     bool operator==(const DashboardCard&) const = default;
 };
 render::View body(const DashboardCard& card);
@@ -57,13 +59,15 @@ struct DashboardCardGrid {
     Color tool;
     bool wide = false;
     bool remaining = false;
+    bool roomy = false;
     bool operator==(const DashboardCardGrid&) const = default;
 };
 render::View body(const DashboardCardGrid& grid);
 
-// Bars of the daily peak percent on a 0..100 scale with a dashed 50 % line,
-// the newest day at the right of `slots` equal slots; the first and last
-// day's texts under it. Takes the height it is offered.
+// Bars of the daily peak percent on a 0..100 scale with a dashed 50 % line
+// labelled in a gutter at the right, the newest day at the right of `slots`
+// equal slots; the first and last day ("Nov 9") under it. Takes the height
+// it is offered.
 struct DailyChart {
     std::vector<WidgetDailyEntry> days;  // oldest first
     std::size_t slots = 14;

@@ -17,12 +17,6 @@ using M = DashboardMetrics;
 
 namespace {
 
-double cardsHeight(const DashboardPlan& plan) {
-    const auto rows = static_cast<double>(plan.cardRows());
-    if (rows == 0) return 0;
-    return rows * (plan.wideCards ? M::wideCardHeight : M::tallCardHeight) + (rows - 1) * M::cardSpacing;
-}
-
 View fixedHeight(View view, double height) {
     if (view.isEmpty()) return view;
     Frame f = Frame::maxWidthInfinity(Alignment::topLeading());
@@ -43,12 +37,14 @@ View dashboardContent(const WidgetToolSnapshot& tool, const WidgetDashboard& d, 
     const Color colour = toolColor(tool);
 
     const View header = body(DashboardHeader{tool.toolID, tool.displayName, colour, d.subscriptionType,
-                                             d.isRateLimited, now, payload.updatedAt});
+                                             d.isRateLimited, now, payload.updatedAt,
+                                             d.cards.size() - plan.cardsShown});
     const std::vector<WidgetUsageCard> cards(d.cards.begin(),
                                              d.cards.begin() + static_cast<std::ptrdiff_t>(plan.cardsShown));
     const View grid = fixedHeight(
-        body(DashboardCardGrid{cards, plan.cardColumns, colour, plan.wideCards, payload.showRemaining}),
-        cardsHeight(plan));
+        body(DashboardCardGrid{cards, plan.cardColumns, colour, plan.wideCards, payload.showRemaining,
+                               plan.roomyCards}),
+        dashboardCardsHeight(plan));
     View chart;
     if (plan.chartDays > 0) {
         Frame f = Frame::maxInfinity(Alignment::topLeading());
