@@ -172,6 +172,23 @@ TEST(SparklineChart, AreasMeetTheZeroLineWhereTheCurveCrossesIt) {
     }
 }
 
+TEST(SparklineChart, AGapInTheDataBreaksTheCurveAndItsArea) {
+    std::vector<SparklinePoint> points;
+    for (int m = 0; m <= 60; m += 5) points.push_back({kNow - 4 * kHour + m * 60, 10});  // 5-minute steps
+    for (int m = 0; m <= 60; m += 5) points.push_back({kNow - kHour + m * 60, 10});       // after 2 h of nothing
+    const auto g = sparklineGeometry(points, kNow, kChart);
+    EXPECT_EQ(g.breaks, (std::vector<std::size_t>{13}));
+    // No area over the gap: nothing above the zero line between the runs.
+    const double gapFrom = kChart.width * 0.4, gapTo = kChart.width * 0.8;
+    for (const auto& p : g.above) {
+        if (p.x > gapFrom + 1e-9 && p.x < gapTo - 1e-9) {
+            EXPECT_NEAR(p.y, g.baselineY, 1e-9) << p.x;
+        }
+    }
+    // Steady data, however sparse, is one run.
+    EXPECT_TRUE(sparklineGeometry({{kNow - 4 * kHour, 1}, {kNow - 2 * kHour, 2}, {kNow, 3}}, kNow, kChart).breaks.empty());
+}
+
 TEST(SparklineView, DrawsHeaderChartAxisAndLinksTheTool) {
     auto tool = snapshot("codex", "work");
     tool.displayName = "Codex \u00B7 Work";

@@ -1,8 +1,12 @@
 #include "widgets/sparkline/chart.hpp"
 
 #include <algorithm>
+#include <cmath>
+#include <string>
 
 #include "model/pace.hpp"
+#include "model/rounding.hpp"
+#include "widgets/sparkline/view.hpp"
 #include "widgets/chrome/chrome.hpp"
 #include "widgets/sparkline/content.hpp"
 
@@ -86,6 +90,15 @@ SparklineScale sparklineScale(const std::vector<SparklinePoint>& points) {
     return {low, high};
 }
 
+double sparklineGapSeconds(const std::vector<SparklinePoint>& points) {
+    std::vector<double> steps;
+    for (std::size_t i = 1; i < points.size(); ++i) steps.push_back(points[i].t - points[i - 1].t);
+    if (steps.empty()) return kSparklineMinGapSeconds;
+    const auto middle = steps.begin() + static_cast<std::ptrdiff_t>(steps.size() / 2);
+    std::nth_element(steps.begin(), middle, steps.end());
+    return std::max(kSparklineMinGapSeconds, 3 * *middle);
+}
+
 SparklineGeometry sparklineGeometry(const std::vector<SparklinePoint>& points, Date now, Size size) {
     const SparklineScale scale = sparklineScale(points);
     const Date start = now - kSparklineWindowSeconds;
@@ -100,16 +113,86 @@ SparklineGeometry sparklineGeometry(const std::vector<SparklinePoint>& points, D
     SparklineGeometry geometry;
     geometry.baselineY = toPoint(now, 0).y;
     geometry.line.reserve(points.size());
-    for (const auto& p : points) geometry.line.push_back(toPoint(p.t, p.v));
+    const double gap = sparklineGapSeconds(points);
+    std::size_t runStart = 0;
+    // Each run's area starts and ends on the zero line, so the runs' areas
+    // join along it into one outline without covering the gaps.
+    auto closeRun = [&](std::size_t end) {
+        const std::vector<SparklinePoint> run(points.begin() + static_cast<std::ptrdiff_t>(runStart),
+                                              points.begin() + static_cast<std::ptrdiff_t>(end));
+        for (const auto& p : areaSide(run, true, toPoint)) geometry.above.push_back(p);
+        for (const auto& p : areaSide(run, false, toPoint)) geometry.below.push_back(p);
+    };
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        if (i > 0 && points[i].t - points[i - 1].t > gap) {
+            geometry.breaks.push_back(i);
+            closeRun(i);
+            runStart = i;
+        }
+        geometry.line.push_back(toPoint(points[i].t, points[i].v));
+    }
+    closeRun(points.size());
     if (!geometry.line.empty()) geometry.latest = geometry.line.back();
-    geometry.above = areaSide(points, true, toPoint);
-    geometry.below = areaSide(points, false, toPoint);
     return geometry;
 }
 
+namespace {
+
+// The curve as one path of runs: a new subpath after every gap.
+PathData runsPath(const SparklineGeometry& g) {
+    PathData data;
+    data.unit = false;
+    std::size_t next = 0;
+    for (std::size_t i = 0; i < g.line.size(); ++i) {
+        const bool starts = i == 0 || (next < g.breaks.size() && g.breaks[next] == i);
+        if (starts && i > 0) ++next;
+        data.elements.push_back({starts ? render::PathElement::Op::move : render::PathElement::Op::line, g.line[i]});
+    }
+    return data;
+}
+
+// The value labels in the gutter: the curve's extremes first, then zero,
+// each left out when it would run into one already placed.
+View scaleLabels(const std::vector<SparklinePoint>& points, const SparklineGeometry& g, Size size) {
+    if (points.empty()) return {};
+    const auto [low, high] = std::minmax_element(points.begin(), points.end(),
+                                                 [](const auto& a, const auto& b) { return a.v < b.v; });
+    const auto yOf = [&](const SparklinePoint& p) { return g.line[static_cast<std::size_t>(&p - points.data())].y; };
+    struct Mark {
+        std::string text;
+        double y;
+    };
+    std::vector<Mark> marks;
+    constexpr double kLabelHeight = 10;
+    auto place = [&](std::string text, double y) {
+        for (const auto& m : marks) {
+            if (std::abs(m.y - y) < kLabelHeight || m.text == text) return;
+        }
+        marks.push_back({std::move(text), y});
+    };
+    if (roundHalfAway(high->v) > 0) place(signedPercentText(high->v), yOf(*high));
+    if (roundHalfAway(low->v) < 0) place(signedPercentText(low->v), yOf(*low));
+    place("0%", g.baselineY);
+    std::vector<View> layers;
+    for (const auto& m : marks) {
+        const double y = std::clamp(m.y - kLabelHeight / 2, 0.0, std::max(0.0, size.height - kLabelHeight));
+        layers.push_back(Text(m.text)
+                             .font(Font::system(7.5, Weight::medium))
+                             .monospacedDigit()
+                             .foreground(render::Color::tertiary())
+                             .lineLimit(1)
+                             .frame(kSparklineScaleGutter, kLabelHeight, Alignment::trailing())
+                             .offset(size.width, y));
+    }
+    return render::ZStack(std::move(layers), {.alignment = Alignment::topLeading()});
+}
+
+}  // namespace
+
 View body(const SparklineChart& chart) {
     const render::Color lineColor = toRender(chart.line);
-    return render::GeometryReader([chart, lineColor](Size size) {
+    return render::GeometryReader([chart, lineColor](Size offered) {
+        const Size size{std::max(0.0, offered.width - kSparklineScaleGutter), offered.height};
         const SparklineGeometry g = sparklineGeometry(chart.points, chart.now, size);
         std::vector<View> layers;
         if (!g.above.empty())
@@ -126,7 +209,7 @@ View body(const SparklineChart& chart) {
                                    StrokeStyle{.lineWidth = 1, .cap = LineCap::butt, .dash = {3, 3}});
             }));
         if (g.line.size() >= 2)
-            layers.push_back(pathIn(PathData::polyline(g.line, false), size, [&lineColor](View path) {
+            layers.push_back(pathIn(runsPath(g), size, [&lineColor](View path) {
                 return path.stroke(lineColor,
                                    StrokeStyle{.lineWidth = kLineWidth, .cap = LineCap::round, .join = LineJoin::round});
             }));
@@ -138,6 +221,7 @@ View body(const SparklineChart& chart) {
                                  .frame(ringed, ringed)
                                  .offset(g.latest.x - ringed / 2, g.latest.y - ringed / 2));
         }
+        layers.push_back(scaleLabels(chart.points, g, size));
         return render::ZStack(std::move(layers), {.alignment = Alignment::topLeading()});
     });
 }

@@ -31,6 +31,7 @@ SparklineScale sparklineScale(const std::vector<SparklinePoint>& points);
 // (top, less the inset) to its low.
 struct SparklineGeometry {
     std::vector<render::Point> line;   // the curve, left to right
+    std::vector<std::size_t> breaks;   // indices of `line` that start a new run after a gap in the data
     std::vector<render::Point> above;  // closed area between curve and zero line where the curve is above it
     std::vector<render::Point> below;  // the same below it
     double baselineY = 0;
@@ -39,8 +40,19 @@ struct SparklineGeometry {
 };
 // Keeps the dot and the line's stroke inside the chart at the extremes.
 inline constexpr double kSparklineVerticalInset = 4;
+// Two points further apart than this are not joined: the data has a gap
+// there, and a straight line across it would show a rate nobody measured.
+// It is at least kSparklineMinGapSeconds and three times the curve's usual
+// (median) step.
+inline constexpr double kSparklineMinGapSeconds = 15 * 60;
+double sparklineGapSeconds(const std::vector<SparklinePoint>& points);
 // `points` as sparklineWindow gives them (in time order, inside the window).
+// The areas follow the runs: nothing is filled across a gap.
 SparklineGeometry sparklineGeometry(const std::vector<SparklinePoint>& points, Date now, render::Size size);
+
+// Room at the right of the chart for its value labels: the curve's highest
+// and lowest values, and the zero line when there is room for it.
+inline constexpr double kSparklineScaleGutter = 30;
 
 struct SparklineChart {
     std::vector<SparklinePoint> points;  // the window's points, in time order
@@ -48,7 +60,8 @@ struct SparklineChart {
     Color line;  // the tool's colour
     bool operator==(const SparklineChart&) const = default;
 };
-// The chart alone; it takes all the space offered.
+// The chart alone, its value labels in a gutter at the right; it takes all
+// the space offered.
 render::View body(const SparklineChart& chart);
 
 // The time axis under the chart: "−5h" at the left edge, "−2.5h" centred,

@@ -70,7 +70,7 @@ View sparklineView(const SparklineEntry& entry, WidgetFamily /*family: medium on
     const Color colour = toolColor(*tool);
     return VStack({header(*tool, colour, points.back().v, entry.date, entry.payload.updatedAt),
                    body(SparklineChart{points, entry.date, colour}).frame(Frame::maxInfinity()),
-                   body(SparklineTimeAxis{})},
+                   body(SparklineTimeAxis{}).padding(render::Edge::trailing, kSparklineScaleGutter)},
                   {.alignment = HAlign::leading, .spacing = 6})
         .frame(Frame::maxInfinity(Alignment::topLeading()));
 }
