@@ -103,7 +103,7 @@ TEST(FocusClassic, RingShowsUsedOrLeftWithResetAndAge) {
               render::Font::system(28, render::Weight::bold, render::Design::rounded));
     ASSERT_EQ(shapes(used, true).size(), 1u);
     EXPECT_NEAR(shapes(used, true)[0]->trim.to, 0.627, 1e-9);
-    EXPECT_EQ(shapes(used, true)[0]->color, RColor::rgb(0x11 / 255.0, 0x22 / 255.0, 0x33 / 255.0));
+    EXPECT_EQ(shapes(used, true)[0]->color, toRender(Color::rgb(0x11 / 255.0, 0x22 / 255.0, 0x33 / 255.0)));
 
     for (const auto& [percent, text, trimTo] :
          {std::tuple{130.0, "0% left", 0.0}, {42.5, "57% left", 0.575}, {-20.0, "120% left", 1.0}}) {
