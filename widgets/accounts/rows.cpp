@@ -161,7 +161,7 @@ constexpr double kCompactMarkSize = 11;
 // "Week" at 8.5 pt; a longer label is cut.
 constexpr double kCompactLabelWidth = 25;
 // "100%" at 11 pt semibold with tabular digits.
-constexpr double kCompactPercentWidth = 31;
+constexpr double kCompactPercentWidth = 34;
 constexpr double kCompactLabelGap = 3;
 constexpr double kCompactFigureWidth = kCompactLabelWidth + kCompactLabelGap + kCompactPercentWidth;
 constexpr double kCompactBarWidth = 54;
