@@ -80,7 +80,9 @@ bool hasText(const DisplayList& list, const std::string& text) {
 Texts figures(const DisplayList& list) {
     Texts out;
     for (const auto& text : texts(list))
-        if (text == kDash || (!text.empty() && text.back() == '%')) out.push_back(text);
+        if (text == kDash || (!text.empty() && text.back() == '%' && !text.starts_with("Under pace") &&
+                              !text.starts_with("Over pace")))
+            out.push_back(text);
     return out;
 }
 

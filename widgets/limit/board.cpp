@@ -173,7 +173,17 @@ View fullRow(const LimitRow& row, const AccountsLimitBoard& board, bool spacious
                               .frame(Frame::maxWidthInfinity(Alignment::leading())),
                           resetColumn(row, board.now, spacious ? 9.5 : 8.5)},
                          {.alignment = VAlign::center, .spacing = 8});
-    return VStack({top, bottom}, {.alignment = HAlign::leading, .spacing = spacious ? 6.0 : 4.0});
+    // A spacious row also says how the window is pacing.
+    View pace;
+    if (spacious && row.window) {
+        if (const auto text = paceText(*row.window, board.now)) {
+            pace = Text(*text)
+                       .font(Font::system(9.5, Weight::semibold))
+                       .foreground(toRender(paceColor(*row.window, board.now)))
+                       .lineLimit(1);
+        }
+    }
+    return VStack({top, bottom, pace}, {.alignment = HAlign::leading, .spacing = spacious ? 6.0 : 4.0});
 }
 
 View linkedRow(const LimitRow& row, const AccountsLimitBoard& board, bool spacious) {
