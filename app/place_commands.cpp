@@ -61,6 +61,17 @@ WidgetPosition positionFrom(const std::string& text) {
     return *parsed.value;
 }
 
+// A monitor's identity as `list` shows it ("HDMI-A-1", "DELL U2720Q@1920,0");
+// empty for the primary monitor.
+std::optional<std::string> monitorFrom(const std::string& text) {
+    if (text.empty()) return std::nullopt;
+    constexpr std::size_t kLongest = 200;
+    if (text.size() > kLongest) throw UsageError("--monitor: a monitor name is at most 200 characters");
+    for (const unsigned char c : text)
+        if (c < 0x20 || c == 0x7f) throw UsageError("--monitor: a monitor name has no control characters");
+    return text;
+}
+
 nlohmann::ordered_json listed(const PlacedWidget& widget) {
     auto json = toJSON(widget);
     if (const auto resolved = resolvePlacement(widget); !resolved) json["problem"] = resolved.error;
@@ -74,6 +85,8 @@ struct PlaceArguments {
     std::vector<std::string> assignments;
     std::string at;
     CLI::Option* atOption = nullptr;
+    std::string monitor;
+    CLI::Option* monitorOption = nullptr;
 };
 
 struct EditArguments {
@@ -83,6 +96,8 @@ struct EditArguments {
     std::vector<std::string> assignments;
     std::string at;
     CLI::Option* atOption = nullptr;
+    std::string monitor;
+    CLI::Option* monitorOption = nullptr;
 };
 
 }  // namespace
@@ -98,6 +113,11 @@ void registerPlaceCommands(CLI::App& app, const GlobalOptions&) {
     placeArgs->atOption =
         place->add_option("--at", placeArgs->at, "Top-left corner on the desktop in points (default: cascaded)")
             ->type_name("X,Y");
+    placeArgs->monitorOption =
+        place->add_option("--monitor", placeArgs->monitor,
+                          "The monitor it stands on, by connector (HDMI-A-1) or model@x,y; --at counts from its "
+                          "corner (default: the primary monitor)")
+            ->type_name("NAME");
     place->callback([placeArgs] {
         const auto& widget = widgetNamed(placeArgs->kind);
         const auto family =
@@ -106,11 +126,12 @@ void registerPlaceCommands(CLI::App& app, const GlobalOptions&) {
         parameters.merge(defaultParameters(widget));  // what was set wins
         // Checked before anything is read, so a bad --at changes nothing.
         const WidgetPosition at = placeArgs->atOption->count() > 0 ? positionFrom(placeArgs->at) : WidgetPosition{};
+        const auto monitor = monitorFrom(placeArgs->monitor);
 
         PlacedWidget placed;
         changeStore(storeFile(), [&](std::vector<PlacedWidget>& widgets) {
             placed = {nextPlacementID(widgets, widget), std::string(widget.kind), std::string(rawValue(family)),
-                      parameters, placeArgs->atOption->count() > 0 ? at : defaultPosition(widgets), {}};
+                      parameters, placeArgs->atOption->count() > 0 ? at : defaultPosition(widgets), {}, monitor};
             widgets.push_back(placed);
         });
         printJSON(toJSON(placed));
@@ -130,7 +151,12 @@ void registerPlaceCommands(CLI::App& app, const GlobalOptions&) {
     editArgs->familyOption =
         edit->add_option("--family", editArgs->family, "One of the widget's families")->type_name("FAMILY");
     editArgs->atOption = edit->add_option("--at", editArgs->at, "Top-left corner in points")->type_name("X,Y");
+    editArgs->monitorOption =
+        edit->add_option("--monitor", editArgs->monitor, "The monitor it stands on; empty for the primary monitor")
+            ->type_name("NAME");
     edit->callback([editArgs] {
+        const auto at = editArgs->atOption->count() > 0 ? std::optional(positionFrom(editArgs->at)) : std::nullopt;
+        const auto monitor = monitorFrom(editArgs->monitor);
         PlacedWidget edited;
         changeStore(storeFile(), [&](std::vector<PlacedWidget>& widgets) {
             auto& placed = placementNamed(widgets, editArgs->id);
@@ -142,7 +168,8 @@ void registerPlaceCommands(CLI::App& app, const GlobalOptions&) {
                 placed.family = std::string(rawValue(familyFor(*widget, editArgs->family)));
             for (auto& [name, value] : intentParametersFor(*widget, editArgs->assignments))
                 placed.parameters.insert_or_assign(name, value);
-            if (editArgs->atOption->count() > 0) placed.position = positionFrom(editArgs->at);
+            if (at) placed.position = *at;
+            if (editArgs->monitorOption->count() > 0) placed.monitor = monitor;
             edited = placed;
         });
         printJSON(listed(edited));

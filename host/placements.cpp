@@ -75,7 +75,7 @@ int integerMember(const nlohmann::ordered_json& object, const char* key, const s
     return static_cast<int>(wide);
 }
 
-constexpr std::array<std::string_view, 5> kWidgetMembers{"id", "kind", "family", "parameters", "position"};
+constexpr std::array<std::string_view, 6> kWidgetMembers{"id", "kind", "family", "parameters", "position", "monitor"};
 constexpr std::array<std::string_view, 2> kDocumentMembers{"version", "widgets"};
 
 template <std::size_t N>
@@ -114,6 +114,8 @@ PlacedWidget decodeWidget(const nlohmann::ordered_json& j, std::size_t index) {
         if (!it->is_object()) throw Fault{where + ": \"position\" must be an object"};
         widget.position = {integerMember(*it, "x", where), integerMember(*it, "y", where)};
     }
+    if (const auto it = j.find("monitor"); it != j.end() && !it->is_null())
+        widget.monitor = stringMember(j, "monitor", where);
     widget.unknown = unknownMembers(j, kWidgetMembers);
     return widget;
 }
@@ -192,6 +194,7 @@ nlohmann::ordered_json toJSON(const PlacedWidget& widget) {
         {"parameters", std::move(parameters)},
         {"position", {{"x", widget.position.x}, {"y", widget.position.y}}},
     };
+    if (widget.monitor) json["monitor"] = *widget.monitor;
     appendUnknown(json, widget.unknown, kWidgetMembers);
     return json;
 }

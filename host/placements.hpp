@@ -49,10 +49,11 @@ struct PlacedWidget {
     std::string kind;             // kind string, "MeterwickFocus"
     std::string family;           // raw family, "systemSmall"
     IntentParameters parameters;  // raw values and entity ids by parameter name
-    WidgetPosition position;
+    WidgetPosition position;  // from the top-left corner of its monitor
     // Members this build does not know (written by a newer version), kept
     // as they were and written back after the known ones. Null when none.
     nlohmann::ordered_json unknown{};
+    std::optional<std::string> monitor = std::nullopt;  // its monitor's identity; none: the primary
     bool operator==(const PlacedWidget&) const = default;
 };
 
@@ -71,14 +72,14 @@ std::optional<std::filesystem::path> placementsFile(const ConfigEnvironment& env
 std::optional<std::filesystem::path> placementsFile();
 
 // The file's JSON: {"version":1,"widgets":[{id, kind, family, parameters,
-// position:{x,y}}…]}. Unknown members, of the document (`documentUnknown`)
+// position:{x,y}, monitor?}…]}. Unknown members, of the document (`documentUnknown`)
 // and of each widget, are written back after the known ones.
 nlohmann::ordered_json toJSON(const PlacedWidget& widget);
 std::string encodePlacements(const std::vector<PlacedWidget>& widgets,
                              const nlohmann::ordered_json& documentUnknown = {});
 // Strict: any structural fault (wrong types, a missing id, kind or family,
 // duplicate ids, a newer format, an integer out of range) fails the whole
-// document with a message. `parameters` and `position` may be left out.
+// document with a message. `parameters`, `position` and `monitor` may be left out.
 Parsed<std::vector<PlacedWidget>> decodePlacements(std::string_view json);
 // The document's members other than "version" and "widgets" (null when
 // none, or when the text is not a JSON object).

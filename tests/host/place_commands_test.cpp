@@ -60,12 +60,17 @@ TEST_F(PlaceCommands, PlaceListEditRemove) {
     ASSERT_EQ(listed.out.size(), 3u);
     EXPECT_EQ(listed.out[1]["id"], "accounts-limit-1");
 
-    const auto edited = run("edit focus-1 --set style=enhanced --at 5,5");
+    const auto edited = run("edit focus-1 --set style=enhanced --at 5,5 --monitor DP-2");
     ASSERT_EQ(edited.status, 0) << edited.err;
     const auto widgets = stored();
     ASSERT_EQ(widgets.size(), 3u);
     EXPECT_EQ(widgets[0].parameters, (IntentParameters{{"tool", "claude:work"}, {"style", "enhanced"}}));
     EXPECT_EQ(widgets[0].position, (WidgetPosition{5, 5}));
+    EXPECT_EQ(widgets[0].monitor, "DP-2");
+    EXPECT_EQ(edited.out["monitor"], "DP-2");
+    ASSERT_EQ(run("edit focus-1 --monitor ''").status, 0);
+    EXPECT_EQ(stored()[0].monitor, std::nullopt) << "an empty name returns it to the primary monitor";
+    EXPECT_EQ(stored()[0].position, (WidgetPosition{5, 5}));
 
     ASSERT_EQ(run("edit accounts-limit-1 --family systemMedium").status, 0);
     EXPECT_EQ(stored()[1].family, "systemMedium");
@@ -89,6 +94,7 @@ TEST_F(PlaceCommands, FailuresExitNonZeroSayWhyAndChangeNothing) {
         {"place focus --family systemLarge", 2, "accepted: systemSmall"},
         {"place accounts --set tool=claude", 2, "has no options"},
         {"place focus --at 10", 2, "--at: expected X,Y"},
+        {"place focus --monitor \"$(printf 'DP\\t1')\"", 2, "--monitor: a monitor name has no control characters"},
         {"edit nothing-1 --set style=classic", 2, "no placed widget \"nothing-1\"; placed: accounts-1"},
         {"edit accounts-1 --family systemSmall", 2, "accepted: systemMedium, systemLarge, systemExtraLarge"},
         {"remove focus-9", 2, "no placed widget \"focus-9\""},

@@ -22,7 +22,8 @@ std::vector<PlacedWidget> threeWidgets() {
     return {
         {"focus-1", "MeterwickFocus", "systemSmall", {{"tool", "claude:work"}, {"style", "enhanced"}}, {40, 60}},
         {"accounts-1", "MeterwickAccounts", "systemLarge", {}, {-20, 0}},
-        {"accounts-limit-2", "MeterwickAccountsByLimit", "systemMedium", {{"limit", "fiveHour"}}, {300, 900}},
+        {"accounts-limit-2", "MeterwickAccountsByLimit", "systemMedium", {{"limit", "fiveHour"}}, {300, 900},
+         {}, "DELL U2720Q@1920,0"},
     };
 }
 
@@ -168,6 +169,7 @@ TEST(PlacementsDecoding, RejectsStructuralFaultsWithAMessage) {
         {R"({"widgets": [{"id": "a", "kind": "k", "family": "f", "position": {"x": 0, "y": 9223372036854775808}}]})",
          "\"y\" is out of range"},
         {R"({"version": 18446744073709551615, "widgets": []})", "\"version\" is out of range"},
+        {R"({"widgets": [{"id": "a", "kind": "k", "family": "f", "monitor": 1}]})", "\"monitor\" must be a string"},
         {R"({"widgets": [{"id": "a", "kind": "k", "family": "f"}, {"id": "a", "kind": "k", "family": "f"}]})",
          "\"a\" is used twice"},
     };
