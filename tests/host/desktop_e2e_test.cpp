@@ -2,9 +2,8 @@
 // (openbox on Xvfb, sway), checked from outside: the compositor's screenshots
 // show each widget drawn at its saved place, the window manager's own lists
 // keep it below normal windows and out of task lists, and on X11 a drag by a
-// known distance moves it by exactly that distance and is saved. (sway's
-// headless seat has no pointer until a client creates a virtual one, so
-// there the drag is not driven yet.)
+// known distance moves it by exactly that distance and is saved (on sway
+// through a virtual pointer, its headless seat having none).
 //
 // Each test re-runs this binary inside its desktop. A desktop that cannot
 // start fails the test with the compositor's own messages.
@@ -164,12 +163,19 @@ std::string x11Window(const std::string& title) {
 }
 
 // Presses at a point of the widget and drags by (dx, dy) in ten steps.
-void drag(int x, int y, int dx, int dy) {
+void drag(const std::string& desktop, int x, int y, int dx, int dy) {
+    const auto point = [&](int i) {
+        return " " + std::to_string(x + dx * i / 10) + " " + std::to_string(y + dy * i / 10);
+    };
+    if (desktop == "sway") {
+        std::string steps = "move" + point(0) + " wait 200 press wait 100";
+        for (int i = 1; i <= 10; ++i) steps += " move" + point(i) + " wait 50";
+        run("'" MW_VIRTUAL_POINTER "' 1920 1080 " + steps + " wait 200 release");
+        return;
+    }
     std::string moves;
-    for (int i = 1; i <= 10; ++i)
-        moves += " mousemove " + std::to_string(x + dx * i / 10) + " " + std::to_string(y + dy * i / 10) + " sleep 0.05";
-    run("xdotool mousemove " + std::to_string(x) + " " + std::to_string(y) + " sleep 0.2 mousedown 1" + moves +
-        " sleep 0.2 mouseup 1");
+    for (int i = 1; i <= 10; ++i) moves += " mousemove" + point(i) + " sleep 0.05";
+    run("xdotool mousemove" + point(0) + " sleep 0.2 mousedown 1" + moves + " sleep 0.2 mouseup 1");
 }
 
 void scenario(const std::string& desktop) {
@@ -244,9 +250,8 @@ void scenario(const std::string& desktop) {
 
     // A drag by a known distance moves the widget by exactly that much and
     // is saved.
-    if (desktop == "sway") return;
     const auto& accounts = widgets[1];
-    drag(accounts.at.x + 60, accounts.at.y + 40, 200, 100);
+    drag(desktop, accounts.at.x + 60, accounts.at.y + 40, 200, 100);
     const WidgetPosition moved{accounts.at.x + 200, accounts.at.y + 100};
     EXPECT_TRUE(waitFor([&] { return storedPosition(config, accounts.id) == moved; }, 10s))
         << desktop << ": saved at " << storedPosition(config, accounts.id).x << ","
