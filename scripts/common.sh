@@ -11,7 +11,7 @@ MW_PACKAGES=(
   libgtest-dev libgmock-dev libbenchmark-dev
   libgtk-3-dev libgtk-layer-shell-dev libglib2.0-bin
   libgtkmm-3.0-dev   # only the benchmarks' gtkmm floor; the host uses GTK's C API
-  xvfb xauth xdotool dbus-daemon dbus-x11
+  xvfb xauth xdotool dbus-daemon dbus-x11 conky-std libx11-dev
   openbox sway grim mutter xwayland x11-utils imagemagick libwayland-dev libwayland-bin
   clang libclang-rt-14-dev
 )

@@ -8,6 +8,8 @@
 #   host_rss_kb host_hwm_kb host_anon_kb host_file_kb host_pss_kb
 #   idle_seconds timer_wakeups file_wakeups timeline_builds idle_cpu_ms idle_switches
 #   floor_rss_kb floor_hwm_kb floor_anon_kb floor_file_kb   (when the floor is built)
+#   gtkc_… and xlib_… (the same, plus pss_kb, for the other two floors)
+#   conky_rss_kb conky_anon_kb conky_pss_kb conky_switches   (when conky is installed)
 #
 #   bench/host/rss.sh BUILD_DIR [IDLE_SECONDS]     (default idle: 5)
 #
@@ -28,7 +30,7 @@ done
 [ -x "$host" ] && [ -x "$cli" ] || { echo "rss.sh: build $build first" >&2; exit 1; }
 
 if [ -z "${MW_RSS_SESSION:-}" ]; then
-  exec timeout -k 5 $((idle + 90)) xvfb-run -a -s '-screen 0 1920x1200x24' \
+  exec timeout -k 5 $((2 * idle + 120)) xvfb-run -a -s '-screen 0 1920x1200x24' \
     dbus-run-session -- env MW_RSS_SESSION=1 NO_AT_BRIDGE=1 "$0" "$build" "$idle"
 fi
 
@@ -79,7 +81,47 @@ echo "idle_cpu_ms $(( (ticks_after - ticks_before) * 1000 / $(getconf CLK_TCK) )
 echo "idle_switches $((switches_after - switches_before))"
 kill "$pid"; wait "$pid" 2>/dev/null || true; pid=""
 
-# The floor runs alone on the same display, after the host has gone.
-if [ -x "$floor" ] && [ -z "${MW_RSS_NO_FLOOR:-}" ]; then
-  "$floor" | sed 's/^/floor_/'
+# The floors run alone on the same display, after the host has gone: the
+# gtkmm program, the same on GTK's C API, and Xlib + Cairo + Pango.
+if [ -z "${MW_RSS_NO_FLOOR:-}" ]; then
+  [ -x "$floor" ] && "$floor" | sed 's/^/floor_/'
+  [ -x "$build/bench/floor/mw_floor_gtk_c" ] && "$build/bench/floor/mw_floor_gtk_c" | sed 's/^/gtkc_/'
+  [ -x "$build/bench/floor/mw_floor_xlib" ] && "$build/bench/floor/mw_floor_xlib" | sed 's/^/xlib_/'
+fi
+
+# A peer: Conky drawing text and bars in its own desktop window, updated every
+# second, measured like the host after the same idle stretch. Its wake-ups
+# are counted as context switches (it has no counters of its own); the
+# host's switches over the same stretch are idle_switches above.
+if command -v conky >/dev/null && [ -z "${MW_RSS_NO_PEERS:-}" ]; then
+  cat >"$work/conky.conf" <<'CONF'
+conky.config = {
+  out_to_x = true, own_window = true, own_window_type = 'desktop', double_buffer = true,
+  update_interval = 1, use_xft = true, font = 'Inter:size=9', minimum_width = 364, minimum_height = 382,
+  background = false, out_to_console = false,
+}
+conky.text = [[
+Claude   5h ${cpu}% ${cpubar 6,120}
+Claude   week ${memperc}% ${membar 6,120}
+Codex    5h ${fs_used_perc /}% ${fs_bar 6,120 /}
+Copilot  month ${swapperc}% ${swapbar 6,120}
+Gemini   ${loadavg 1} ${time %H:%M:%S}
+Resets in ${uptime_short}
+]]
+CONF
+  conky -c "$work/conky.conf" >/dev/null 2>&1 &
+  pid=$!
+  sleep 3
+  conky_switches() { awk '/^voluntary_ctxt_switches/ {print $2}' "/proc/$pid/status"; }
+  if kill -0 "$pid" 2>/dev/null; then
+    s0="$(conky_switches)"
+    sleep "$idle"
+    s1="$(conky_switches)"
+    echo "conky_rss_kb $(awk '/^VmRSS/ {print $2}' "/proc/$pid/status")"
+    echo "conky_anon_kb $(awk '/^RssAnon/ {print $2}' "/proc/$pid/status")"
+    echo "conky_pss_kb $(awk '/^Pss:/ {print $2}' "/proc/$pid/smaps_rollup" 2>/dev/null || echo 0)"
+    echo "conky_switches $((s1 - s0))"
+    kill "$pid"; wait "$pid" 2>/dev/null || true
+  fi
+  pid=""
 fi
