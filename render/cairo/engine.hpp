@@ -2,6 +2,7 @@
 // The process-wide Pango font map and the settings every text layout uses
 // (internal to the Cairo backend).
 
+#include <fontconfig/fontconfig.h>
 #include <pango/pangocairo.h>
 
 #include <mutex>
@@ -29,5 +30,9 @@ private:
 };
 
 TextEngine& textEngine();
+
+// The fontconfig configuration the widgets' text uses: the system's fonts
+// and fallback rules, read once per process.
+FcConfig* widgetFontConfig();
 
 }  // namespace mw::render

@@ -26,7 +26,7 @@ bool familyInstalled(const char* family) {
     FcPattern* pattern = FcPatternCreate();
     FcPatternAddString(pattern, FC_FAMILY, reinterpret_cast<const FcChar8*>(family));
     FcObjectSet* os = FcObjectSetBuild(FC_FAMILY, nullptr);
-    FcFontSet* set = FcFontList(nullptr, pattern, os);
+    FcFontSet* set = FcFontList(widgetFontConfig(), pattern, os);
     const bool found = set && set->nfont > 0;
     if (set) FcFontSetDestroy(set);
     FcObjectSetDestroy(os);
