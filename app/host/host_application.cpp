@@ -11,6 +11,7 @@
 #include "app/host/widget_window.hpp"
 #include "host/bus.hpp"
 #include "host/desktop.hpp"
+#include "host/session.hpp"
 #include "payload/self_report.hpp"
 #include "payload/store.hpp"
 #include "platform/clock.hpp"
@@ -97,7 +98,8 @@ void ContainerWatch::arm() {
         });
 }
 
-HostApplication::HostApplication() : application_(gtk_application_new(kHostBusName, G_APPLICATION_DEFAULT_FLAGS)) {
+HostApplication::HostApplication(HostDisplay display)
+    : display_(display), application_(gtk_application_new(kHostBusName, G_APPLICATION_DEFAULT_FLAGS)) {
     g_set_application_name("Meterwick Widgets");
     connectForLife<void(GApplication*)>(application_, "startup", [this](GApplication*) { startup(); });
     connectForLife<void(GApplication*)>(application_, "shutdown", [this](GApplication*) { shutdown(); });
@@ -124,6 +126,9 @@ void HostApplication::startup() {
     // GTK adopts the user's locale; the widgets' figures are formatted like
     // the command's, with a decimal point, whatever the language.
     std::setlocale(LC_NUMERIC, "C");
+    // GTK sets the class from the program name, capitalised, as it starts;
+    // WM_CLASS names the desktop entry in both of its parts.
+    gdk_set_program_class(kDesktopEntryID);
     g_application_hold(G_APPLICATION(application_));  // keep running with no widget placed: one may be placed later
 
     storeFile_ = placementsFile();
@@ -303,6 +308,8 @@ std::unique_ptr<WidgetWindow> HostApplication::makeWindow(const PlacedWidget& pl
             .container = [this] { return providerContext().container; },
             .timerFired = [this] { ++counters_.timerWakeUps; },
             .snapshotDirectory = snapshotDirectory_,
+            .display = display_,
+            .application = application_,
         });
 }
 

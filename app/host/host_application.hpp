@@ -16,6 +16,7 @@
 
 #include "app/host/background_queue.hpp"
 #include "app/host/desktop_watch.hpp"
+#include "app/host/display_route.hpp"
 #include "app/host/glib_support.hpp"
 #include "host/placements.hpp"
 #include "render/color.hpp"
@@ -67,7 +68,7 @@ class ContainerWatch {
 
 class HostApplication {
   public:
-    HostApplication();
+    explicit HostApplication(HostDisplay display);
     ~HostApplication();
     HostApplication(const HostApplication&) = delete;
     HostApplication& operator=(const HostApplication&) = delete;
@@ -110,6 +111,7 @@ class HostApplication {
 
     ProviderContext providerContext() const;
 
+    HostDisplay display_;
     GtkApplication* application_;
     std::optional<std::filesystem::path> storeFile_;
     std::optional<std::filesystem::path> snapshotDirectory_;

@@ -4,6 +4,7 @@
 
 #include <glib.h>
 
+#include "app/host/display_route.hpp"
 #include "app/host/host_application.hpp"
 
 int main(int argc, char** argv) {
@@ -12,6 +13,7 @@ int main(int argc, char** argv) {
     // software rasterizer, tens of megabytes) into a process that never uses it.
     g_setenv("GDK_GL", "disable", FALSE);
 
-    mw::host::HostApplication host;
+    // Decided before GTK opens a display: the route may switch it to X11.
+    mw::host::HostApplication host(mw::host::chooseDisplay());
     return host.run(argc, argv);
 }

@@ -10,7 +10,7 @@ WidgetWindow::WidgetWindow(PlacedWidget placed, ResolvedPlacement resolved, Widg
       placed_(std::move(placed)),
       resolved_(resolved),
       callbacks_(std::move(callbacks)),
-      placement_(GTK_WINDOW(window_.get())),
+      placement_(GTK_WINDOW(window_.get()), callbacks_.display),
       surface_(window_.get(), placement_.composited()),
       schedule_({
           .build = [this](WidgetSchedule::Built done) { callbacks_.build(placed_, widget(), std::move(done)); },
@@ -20,9 +20,13 @@ WidgetWindow::WidgetWindow(PlacedWidget placed, ResolvedPlacement resolved, Widg
     auto* window = GTK_WINDOW(window_.get());
     gtk_window_set_title(window, std::string(widget().displayName).c_str());
     gtk_window_set_role(window, "meterwick-widget");
+    if (callbacks_.application != nullptr) gtk_window_set_application(window, callbacks_.application);
 
-    input_ = std::make_unique<WindowInput>(window, placement_.layerShell() ? MoveMode::host : MoveMode::windowManager,
-                                           WindowInput::Callbacks{
+    // Window managers will not move a desktop-type window, so the host moves
+    // it; a utility window is moved by the window manager.
+    const bool wmMoves = !placement_.layerShell() && callbacks_.display.x11.type == X11WindowType::utility;
+    input_ = std::make_unique<WindowInput>(window, wmMoves ? MoveMode::windowManager : MoveMode::host,
+                                           !placement_.layerShell(), WindowInput::Callbacks{
                                                .position = [this] { return placement_.position(); },
                                                .moveTo = [this](WidgetPosition p) { placement_.moveTo(p); },
                                                .moved =

@@ -37,6 +37,8 @@ struct WidgetWindowCallbacks {
     std::function<std::optional<std::filesystem::path>()> container;  // for the Edit Widget choice lists
     std::function<void()> timerFired;
     std::optional<std::filesystem::path> snapshotDirectory;  // MW_HOST_SNAPSHOT_DIR
+    HostDisplay display;
+    GtkApplication* application = nullptr;  // the windows belong to it: app id, WM_CLASS, lifetime
 };
 
 class WidgetWindow {

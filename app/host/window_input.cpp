@@ -38,7 +38,7 @@ GtkWidget* menuItem(GtkWidget* menu, const char* label, std::function<void()> ac
 
 }  // namespace
 
-WindowInput::WindowInput(GtkWindow* window, MoveMode mode, Callbacks callbacks)
+WindowInput::WindowInput(GtkWindow* window, MoveMode mode, bool screenPoints, Callbacks callbacks)
     : window_(window),
       mode_(mode),
       callbacks_(std::move(callbacks)),
@@ -49,8 +49,8 @@ WindowInput::WindowInput(GtkWindow* window, MoveMode mode, Callbacks callbacks)
     // Points in one frame for a whole gesture: the screen when the window
     // manager moves the window, the surface as it was at the press when the
     // host moves it.
-    const auto pointOf = [this](double x, double y, double rootX, double rootY) {
-        return mode_ == MoveMode::windowManager ? PointerPoint{rootX, rootY} : PointerPoint{x, y};
+    const auto pointOf = [this, screenPoints](double x, double y, double rootX, double rootY) {
+        return mode_ == MoveMode::windowManager || screenPoints ? PointerPoint{rootX, rootY} : PointerPoint{x, y};
     };
     press_ = connect<gboolean(GtkWidget*, GdkEventButton*)>(
         widget, "button-press-event", [=, this](GtkWidget*, GdkEventButton* e) {

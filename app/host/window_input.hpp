@@ -24,7 +24,11 @@ class WindowInput {
         std::function<void()> add;
     };
 
-    WindowInput(GtkWindow* window, MoveMode mode, Callbacks callbacks);
+    // Pointer points are taken on the screen when the window manager moves
+    // the window or `screenPoints` says the backend gives reliable root
+    // coordinates (X11); else in the surface as it was at the press
+    // (layer-shell surfaces have no screen coordinates).
+    WindowInput(GtkWindow* window, MoveMode mode, bool screenPoints, Callbacks callbacks);
     WindowInput(const WindowInput&) = delete;
     WindowInput& operator=(const WindowInput&) = delete;
 

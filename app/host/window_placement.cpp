@@ -6,7 +6,7 @@
 
 namespace mw::host {
 
-WindowPlacement::WindowPlacement(GtkWindow* window) : window_(window) {
+WindowPlacement::WindowPlacement(GtkWindow* window, const HostDisplay& display) : window_(window) {
     gtk_window_set_decorated(window, FALSE);
     gtk_window_set_resizable(window, FALSE);
     gtk_window_set_skip_taskbar_hint(window, TRUE);
@@ -23,7 +23,7 @@ WindowPlacement::WindowPlacement(GtkWindow* window) : window_(window) {
         composited_ = true;
     }
 
-    if (gtk_layer_is_supported()) {
+    if (display.route == DisplayRoute::layerShell && gtk_layer_is_supported()) {
         gtk_layer_init_for_window(window);
         gtk_layer_set_namespace(window, "meterwick-widget");
         gtk_layer_set_layer(window, GTK_LAYER_SHELL_LAYER_BOTTOM);
@@ -33,7 +33,11 @@ WindowPlacement::WindowPlacement(GtkWindow* window) : window_(window) {
         layerShell_ = true;
         return;
     }
-    gtk_window_set_type_hint(window, GDK_WINDOW_TYPE_HINT_UTILITY);
+    // A desktop-type window stays below everything and is left in place by
+    // "Show desktop"; where the desktop's own window would cover it, a
+    // keep-below utility window instead.
+    gtk_window_set_type_hint(window, display.x11.type == X11WindowType::desktop ? GDK_WINDOW_TYPE_HINT_DESKTOP
+                                                                               : GDK_WINDOW_TYPE_HINT_UTILITY);
     gtk_window_set_keep_below(window, TRUE);
     gtk_window_stick(window);
 }

@@ -6,6 +6,7 @@
 
 #include <gtk/gtk.h>
 
+#include "app/host/display_route.hpp"
 #include "config/family.hpp"
 #include "host/placements.hpp"
 
@@ -14,7 +15,7 @@ namespace mw::host {
 class WindowPlacement {
   public:
     // Sets `window` up for the desktop; call before it is realized.
-    explicit WindowPlacement(GtkWindow* window);
+    WindowPlacement(GtkWindow* window, const HostDisplay& display);
 
     bool layerShell() const { return layerShell_; }
     // Whether a compositor blends the window (else it is cut to its shape).

@@ -229,6 +229,10 @@ void scenario(const std::string& desktop) {
         const auto state = run("xprop -id " + focus + " _NET_WM_STATE").out;
         for (const char* flag : {"_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER", "_NET_WM_STATE_BELOW"})
             EXPECT_NE(state.find(flag), std::string::npos) << desktop << ": " << state;
+        // Named like the desktop entry, so docks and switchers show its name and icon.
+        const auto wmClass = run("xprop -id " + focus + " WM_CLASS").out;
+        EXPECT_NE(wmClass.find("= \"app.meterwick.WidgetHost\", \"app.meterwick.WidgetHost\""), std::string::npos)
+            << wmClass;
         const auto geometry = run("xdotool getwindowgeometry " + focus).out;
         EXPECT_NE(geometry.find("Position: 100,120"), std::string::npos) << geometry;
 
