@@ -1,16 +1,12 @@
 #include "payload/store.hpp"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <array>
-#include <cerrno>
 #include <string>
 #include <system_error>
 
 #include "payload/codec.hpp"
 #include "platform/container.hpp"
+#include "platform/read_file.hpp"
 
 namespace mw {
 namespace {
@@ -22,29 +18,6 @@ constexpr std::array<std::pair<ReadStatus, std::string_view>, 5> kReadStatusRaw{
     {ReadStatus::unreadable, "unreadable"},
     {ReadStatus::decodeFailed, "decodeFailed"},
 }};
-
-// The whole file, or nothing when opening or reading fails (a directory
-// opens but does not read).
-std::optional<std::string> readWholeFile(const std::filesystem::path& path) {
-    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0) return std::nullopt;
-    std::string bytes;
-    struct stat info {};
-    if (::fstat(fd, &info) == 0 && info.st_size > 0) bytes.reserve(static_cast<std::size_t>(info.st_size));
-    std::array<char, 65536> chunk{};
-    for (;;) {
-        const ssize_t n = ::read(fd, chunk.data(), chunk.size());
-        if (n == 0) break;
-        if (n < 0) {
-            if (errno == EINTR) continue;
-            ::close(fd);
-            return std::nullopt;
-        }
-        bytes.append(chunk.data(), static_cast<std::size_t>(n));
-    }
-    ::close(fd);
-    return bytes;
-}
 
 LoadResult failed(ReadStatus status) { return {emptyPayload(), status}; }
 
@@ -68,12 +41,10 @@ LoadResult load() { return load(containerDirectory()); }
 
 LoadResult load(const std::optional<std::filesystem::path>& container) {
     if (!container) return failed(ReadStatus::noContainer);
-    const auto file = *container / kPayloadFileName;
-    std::error_code ec;
-    if (!std::filesystem::exists(file, ec)) return failed(ReadStatus::missing);
-    auto bytes = readWholeFile(file);
-    if (!bytes) return failed(ReadStatus::unreadable);
-    auto payload = decodePayload(*bytes);
+    const auto read = readRegularFile(*container / kPayloadFileName, kPayloadMaxBytes);
+    if (read.error == FileReadError::missing) return failed(ReadStatus::missing);
+    if (read.error) return failed(ReadStatus::unreadable);
+    auto payload = decodePayload(read.bytes);
     if (!payload) return failed(ReadStatus::decodeFailed);
     return {std::move(*payload), ReadStatus::ok};
 }

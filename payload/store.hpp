@@ -1,4 +1,5 @@
 #pragma once
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <string_view>
@@ -8,6 +9,10 @@
 namespace mw {
 
 inline constexpr const char* kPayloadFileName = "widget-payload.json";
+// Real payloads are 20 KB to 1.4 MB. Anything larger than this is
+// `unreadable` without being read, so a runaway or hostile file costs the
+// desktop neither the memory nor the seconds of parsing it.
+inline constexpr std::size_t kPayloadMaxBytes = 32 * 1024 * 1024;
 
 // How a load went. The raw values are read back by the application.
 enum class ReadStatus { ok, noContainer, missing, unreadable, decodeFailed };
@@ -22,7 +27,9 @@ struct LoadResult {
 };
 
 // The only reader of the application's data. Nothing is cached: every call
-// reads the file as it is at that moment.
+// reads the file as it is at that moment. Only a regular file of at most
+// kPayloadMaxBytes is read, opened without blocking: a FIFO, a device or a
+// directory is `unreadable` at once, never a hang.
 namespace WidgetStore {
 
 // Looks the container up from the process environment.

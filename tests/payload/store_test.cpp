@@ -34,6 +34,29 @@ TEST(WidgetStore, ReportsEachStatusInOrder) {
         {"not JSON", [](const TempDir& d) { d.write(kPayloadFileName, "updatedAt: now"); }, ReadStatus::decodeFailed},
         {"array root", [](const TempDir& d) { d.write(kPayloadFileName, "[{}]"); }, ReadStatus::decodeFailed},
         {"empty object", [](const TempDir& d) { d.write(kPayloadFileName, "{}"); }, ReadStatus::ok},
+        // Files that hung the reader or filled memory before it read only
+        // regular files of bounded size. A hang is caught by the test's
+        // timeout rather than timed here.
+        {"FIFO with no writer", [](const TempDir& d) { ::mkfifo((d / kPayloadFileName).c_str(), 0644); },
+         ReadStatus::unreadable},
+        {"link to an endless device",
+         [](const TempDir& d) { std::filesystem::create_symlink("/dev/zero", d / kPayloadFileName); },
+         ReadStatus::unreadable},
+        {"sparse file past the cap",
+         [](const TempDir& d) {
+             d.write(kPayloadFileName, "{}");
+             std::filesystem::resize_file(d / kPayloadFileName, 2ull << 30);
+         },
+         ReadStatus::unreadable},
+        {"one byte past the cap",
+         [](const TempDir& d) {
+             d.write(kPayloadFileName, "{}");
+             std::filesystem::resize_file(d / kPayloadFileName, kPayloadMaxBytes + 1);
+         },
+         ReadStatus::unreadable},
+        {"exactly at the cap is read",
+         [](const TempDir& d) { d.write(kPayloadFileName, "{}" + std::string(kPayloadMaxBytes - 2, ' ')); },
+         ReadStatus::ok},
     };
     for (const auto& c : cases) {
         TempDir dir;
