@@ -1,9 +1,13 @@
 #include "model/insights.hpp"
 
+#include "platform/text.hpp"
+
 #include <algorithm>
 #include <cinttypes>
 #include <cstdio>
 #include <optional>
+#include <string>
+#include <unordered_set>
 
 #include "model/pace.hpp"
 #include "model/rounding.hpp"
@@ -63,14 +67,14 @@ std::vector<WidgetInsight> insights(const std::vector<WidgetAccount>& accounts, 
 
         for (const auto& window : windows) {
             if (const auto seconds = secondsUntilRunOut(window, now)) {
-                runsOut.push_back({*seconds, provider + " " + window.label + " runs out in " + durationText(*seconds)});
+                runsOut.push_back({*seconds, isolated(provider) + " " + isolated(window.label) + " runs out in " + durationText(*seconds)});
             }
             if (window.resetAt && *window.resetAt > now) {
                 const double seconds = *window.resetAt - now;
                 if (!nextReset || seconds < nextResetSeconds) {
                     nextResetSeconds = seconds;
                     nextReset = WidgetInsight{WidgetInsightKind::nextReset,
-                                              provider + " " + window.label + " resets in " + durationText(seconds)};
+                                              isolated(provider) + " " + isolated(window.label) + " resets in " + durationText(seconds)};
                 }
             }
         }
@@ -80,9 +84,11 @@ std::vector<WidgetInsight> insights(const std::vector<WidgetAccount>& accounts, 
             if (room > mostRoom) {
                 mostRoom = room;
                 char percent[32];
-                std::snprintf(percent, sizeof percent, "%" PRId64, truncateTowardZero(room));
+                // A producer's nonsense (±1e308) reads as a percentage a person could believe.
+                std::snprintf(percent, sizeof percent, "%" PRId64,
+                              std::clamp<std::int64_t>(truncateTowardZero(room), 0, 100));
                 headroom = WidgetInsight{WidgetInsightKind::headroom,
-                                         provider + " has " + percent + "% left this week"};
+                                         isolated(provider) + " has " + percent + "% left this week"};
             }
         }
     }
@@ -91,10 +97,9 @@ std::vector<WidgetInsight> insights(const std::vector<WidgetAccount>& accounts, 
                      [](const RunsOut& a, const RunsOut& b) { return a.seconds < b.seconds; });
 
     std::vector<WidgetInsight> result;
-    const auto add = [&result](WidgetInsight insight) {
-        const bool seen = std::any_of(result.begin(), result.end(),
-                                      [&](const WidgetInsight& earlier) { return earlier.text == insight.text; });
-        if (!seen) result.push_back(std::move(insight));
+    std::unordered_set<std::string> seen;  // one lookup per line, not a scan of those before it
+    const auto add = [&result, &seen](WidgetInsight insight) {
+        if (seen.insert(insight.text).second) result.push_back(std::move(insight));
     };
     for (auto& line : runsOut) add(WidgetInsight{WidgetInsightKind::runsOut, std::move(line.text)});
     if (nextReset) add(std::move(*nextReset));

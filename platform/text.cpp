@@ -1,5 +1,6 @@
 #include "platform/text.hpp"
 
+#include <algorithm>
 #include <clocale>
 #include <cwctype>
 #include <locale.h>
@@ -117,6 +118,134 @@ std::string upperCased(std::string_view text) {
 
 std::string capitalisedFirst(std::string_view text) {
     return mapped(text, 1);
+}
+
+}  // namespace mw
+
+namespace mw {
+namespace {
+
+// One decoded character and its length in bytes; nothing for a byte that
+// does not start a valid, shortest-form UTF-8 sequence.
+struct CharAt {
+    char32_t code = 0;
+    std::size_t length = 1;
+    bool valid = false;
+};
+
+CharAt decodeAt(std::string_view text, std::size_t i) {
+    const auto byte = [&](std::size_t k) { return static_cast<unsigned char>(text[k]); };
+    const unsigned char lead = byte(i);
+    if (lead < 0x80) return {lead, 1, true};
+    std::size_t length = 0;
+    char32_t code = 0;
+    if ((lead & 0xE0) == 0xC0) length = 2, code = lead & 0x1F;
+    else if ((lead & 0xF0) == 0xE0) length = 3, code = lead & 0x0F;
+    else if ((lead & 0xF8) == 0xF0) length = 4, code = lead & 0x07;
+    else return {};
+    if (i + length > text.size()) return {};
+    for (std::size_t k = 1; k < length; ++k) {
+        if ((byte(i + k) & 0xC0) != 0x80) return {};
+        code = (code << 6) | (byte(i + k) & 0x3F);
+    }
+    constexpr char32_t kShortest[] = {0, 0, 0x80, 0x800, 0x10000};
+    if (code < kShortest[length] || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF)) return {};
+    return {code, length, true};
+}
+
+constexpr char32_t kReplacement = 0xFFFD;
+constexpr char32_t kFirstStrongIsolate = 0x2068;
+constexpr char32_t kPopDirectionalIsolate = 0x2069;
+
+bool isLineBreak(char32_t c) { return c == '\n' || c == '\r' || c == '\t' || c == 0x85 || c == 0x2028 || c == 0x2029 || c == 0x0B || c == 0x0C; }
+bool isControl(char32_t c) { return c < 0x20 || (c >= 0x7F && c <= 0x9F); }
+bool isEmbeddingOrOverride(char32_t c) { return c >= 0x202A && c <= 0x202E; }
+bool isIsolateStart(char32_t c) { return c >= 0x2066 && c <= 0x2068; }
+// Hebrew, Arabic, Syriac, Thaana, NKo … and their presentation forms.
+bool isRightToLeft(char32_t c) {
+    return (c >= 0x0590 && c <= 0x08FF) || (c >= 0xFB1D && c <= 0xFDFF) || (c >= 0xFE70 && c <= 0xFEFF) ||
+           (c >= 0x10800 && c <= 0x10FFF) || (c >= 0x1E800 && c <= 0x1EFFF) || c == 0x200F || c == 0x061C;
+}
+
+}  // namespace
+
+std::string drawableText(std::string_view text, std::size_t longest) {
+    std::string out;
+    out.reserve(std::min(text.size(), longest * 4 + 8));
+    std::size_t characters = 0;
+    int openIsolates = 0;
+    for (std::size_t i = 0; i < text.size();) {
+        const auto d = decodeAt(text, i);
+        i += d.length;
+        char32_t c = d.valid ? d.code : kReplacement;
+        if (isLineBreak(c)) c = ' ';
+        else if (isControl(c)) c = kReplacement;
+        else if (isEmbeddingOrOverride(c)) continue;
+        else if (isIsolateStart(c)) ++openIsolates;
+        else if (c == kPopDirectionalIsolate) {
+            if (openIsolates == 0) continue;
+            --openIsolates;
+        }
+        if (characters == longest) {
+            appendUTF8(out, 0x2026);  // "…" in place of the rest
+            break;
+        }
+        appendUTF8(out, c);
+        ++characters;
+    }
+    for (; openIsolates > 0; --openIsolates) appendUTF8(out, kPopDirectionalIsolate);
+    return out;
+}
+
+std::string isolated(std::string_view text) {
+    bool needed = false;
+    for (std::size_t i = 0; i < text.size() && !needed;) {
+        const auto d = decodeAt(text, i);
+        i += d.length;
+        needed = d.valid && (isRightToLeft(d.code) || isEmbeddingOrOverride(d.code) || isIsolateStart(d.code) ||
+                             d.code == kPopDirectionalIsolate || d.code == 0x200E);
+    }
+    if (!needed) return std::string(text);
+    std::string out;
+    appendUTF8(out, kFirstStrongIsolate);
+    out += text;
+    appendUTF8(out, kPopDirectionalIsolate);
+    return out;
+}
+
+}  // namespace mw
+
+namespace mw {
+
+bool isValidUTF8(std::string_view text) {
+    for (std::size_t i = 0; i < text.size();) {
+        const auto d = decodeAt(text, i);
+        if (!d.valid) return false;
+        i += d.length;
+    }
+    return true;
+}
+
+std::string printable(std::string_view text) {
+    static constexpr char kHex[] = "0123456789ABCDEF";
+    std::string out;
+    out.reserve(text.size());
+    for (std::size_t i = 0; i < text.size();) {
+        const auto d = decodeAt(text, i);
+        const bool escape = !d.valid || isControl(d.code) || isEmbeddingOrOverride(d.code);
+        for (std::size_t k = 0; k < d.length; ++k) {
+            const auto byte = static_cast<unsigned char>(text[i + k]);
+            if (escape) {
+                out += "\\x";
+                out += kHex[byte >> 4];
+                out += kHex[byte & 0xF];
+            } else {
+                out += static_cast<char>(byte);
+            }
+        }
+        i += d.length;
+    }
+    return out;
 }
 
 }  // namespace mw

@@ -1,5 +1,7 @@
 #include "render/view.hpp"
 
+#include "platform/text.hpp"
+
 #include <numbers>
 #include <utility>
 
@@ -252,7 +254,9 @@ View ZStack(std::vector<View> children, ZStackOptions options) {
 
 View Spacer(double minLength) { return make(SpacerNode{minLength}); }
 
-View Text(std::string text) { return make(TextNode{{TextSpan{std::move(text), std::nullopt}}}); }
+// Every text enters views here, so every painter and `describe` see the same
+// safe, bounded string whatever the payload held.
+View Text(std::string text) { return make(TextNode{{TextSpan{drawableText(text), std::nullopt}}}); }
 
 View operator+(const View& lhs, const View& rhs) {
     const auto* a = std::get_if<TextNode>(&lhs.node().value);

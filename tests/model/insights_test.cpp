@@ -109,5 +109,18 @@ TEST(Insights, HeadroomTruncatesAndNeverGoesNegative) {
     EXPECT_TRUE(insights({}, kNow).empty());
 }
 
+TEST(Insights, PayloadNamesAreIsolatedAndPercentagesBelievable) {
+    // An override in a name used to reorder the rest of the sentence, and
+    // ±1e308 used to print as a 16-digit percentage.
+    const auto headroom = [](const std::string& name, double used) {
+        for (const auto& insight : insights({named(name, {window("Week", used, 172800, kWeek)})}, kNow))
+            if (insight.kind == WidgetInsightKind::headroom) return insight.text;
+        return std::string();
+    };
+    EXPECT_EQ(headroom("Claude", -1e308), "Claude has 100% left this week");
+    EXPECT_EQ(headroom("Claude", 1e308), "Claude has 0% left this week");
+    EXPECT_EQ(headroom("x\u202Ey", 10), "\u2068x\u202Ey\u2069 has 90% left this week");
+}
+
 }  // namespace
 }  // namespace mw

@@ -38,5 +38,36 @@ TEST(CapitalisedFirst, ChangesOnlyTheFirstCharacter) {
     for (const auto& [text, label] : cases) EXPECT_EQ(capitalisedFirst(text), label) << text;
 }
 
+// What a producer can put in a string never breaks lines, hides text,
+// reorders a sentence or makes the text engine shape megabytes.
+TEST(DrawableText, ReplacesBreaksAndControlsDropsOverridesAndBalancesIsolates) {
+    using namespace std::string_literals;
+    const std::pair<std::string, std::string> cases[] = {
+        {"Claude \u00B7 work", "Claude \u00B7 work"},                    // plain text is untouched
+        {"a\nb\rc\td\u2028e\u2029f\u0085g", "a b c d e f g"},             // one line
+        {"a\0b"s, "a\uFFFDb"},                                          // NUL no longer cuts the text
+        {"a\x1B[31mb\x7F\u009B", "a\uFFFD[31mb\uFFFD\uFFFD"},             // C0, DEL, C1
+        {"\xFF\xC0\xAFok\xED\xA0\x80", "\uFFFD\uFFFD\uFFFDok\uFFFD\uFFFD\uFFFD"},  // not UTF-8
+        {"x\u202Eevil\u202C y", "xevil y"},                              // overrides dropped
+        {"\u2067ab", "\u2067ab\u2069"},                                   // an open isolate is closed
+        {"ab\u2069\u2069", "ab"},                                         // stray closers dropped
+    };
+    for (const auto& [in, out] : cases) EXPECT_EQ(drawableText(in), out) << in;
+}
+
+TEST(DrawableText, CutsLongTextAtACharacterWithAnEllipsis) {
+    EXPECT_EQ(drawableText("\u00E9\u00E9\u00E9\u00E9", 3), "\u00E9\u00E9\u00E9\u2026");
+    EXPECT_EQ(drawableText("abc", 3), "abc");
+    const std::string huge(8 << 20, 'x');
+    const auto cut = drawableText(huge);
+    EXPECT_EQ(cut, std::string(kLongestShownText, 'x') + "\u2026");
+}
+
+TEST(Isolated, WrapsOnlyWhatCouldReorderItsNeighbours) {
+    EXPECT_EQ(isolated("Claude"), "Claude");
+    EXPECT_EQ(isolated("\u05E9\u05DC\u05D5\u05DD"), "\u2068\u05E9\u05DC\u05D5\u05DD\u2069");
+    EXPECT_EQ(isolated("a\u202Eb"), "\u2068a\u202Eb\u2069");
+}
+
 }  // namespace
 }  // namespace mw
