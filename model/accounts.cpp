@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "model/hashing.hpp"
@@ -40,26 +42,31 @@ std::string accountKey(const WidgetToolSnapshot& snapshot) { return toolKey(snap
 std::vector<WidgetAccount> accountList(const WidgetPayload& payload) {
     const std::unordered_set<std::string> enabled(payload.enabledToolIDs.begin(), payload.enabledToolIDs.end());
 
-    std::vector<const WidgetToolSnapshot*> kept;
-    std::vector<std::string_view> toolOrder;  // each toolID once, as it first occurs among the kept
+    // Grouped by tool in the order each tool first occurs, accounts without
+    // a slug before those with one, otherwise as listed: a stable sort on
+    // (rank of the tool, slugged), so ten thousand tools cost n log n rather
+    // than a search of the list per tool.
+    struct Kept {
+        const WidgetToolSnapshot* tool;
+        std::size_t rank;
+    };
+    std::vector<Kept> kept;
+    std::unordered_map<std::string_view, std::size_t> rankOf;
     for (const auto& tool : payload.tools) {
         if (!enabled.contains(accountKey(tool))) continue;
         if (!tool.isConnected && !tool.windows) continue;
-        kept.push_back(&tool);
-        if (std::find(toolOrder.begin(), toolOrder.end(), tool.toolID) == toolOrder.end())
-            toolOrder.push_back(tool.toolID);
+        const auto rank = rankOf.try_emplace(tool.toolID, rankOf.size()).first->second;
+        kept.push_back({&tool, rank});
     }
+    std::stable_sort(kept.begin(), kept.end(), [](const Kept& a, const Kept& b) {
+        const bool aSlugged = a.tool->accountSlug.has_value();
+        const bool bSlugged = b.tool->accountSlug.has_value();
+        return a.rank != b.rank ? a.rank < b.rank : (!aSlugged && bSlugged);
+    });
 
     std::vector<WidgetAccount> accounts;
     accounts.reserve(kept.size());
-    for (const auto toolID : toolOrder) {
-        for (const bool slugged : {false, true}) {
-            for (const auto* tool : kept) {
-                if (tool->toolID == toolID && tool->accountSlug.has_value() == slugged)
-                    accounts.push_back(WidgetAccount{*tool});
-            }
-        }
-    }
+    for (const auto& k : kept) accounts.push_back(WidgetAccount{*k.tool});
     return accounts;
 }
 
