@@ -1,5 +1,7 @@
 #include "app/cli.hpp"
 
+#include "platform/text.hpp"
+
 #include <filesystem>
 #include <iostream>
 
@@ -61,6 +63,8 @@ IntentParameters intentParametersFor(const WidgetDeclaration& widget, const std:
         if (assignments.empty()) return {};
         throw UsageError(std::string(widget.displayName) + " has no options to --set");
     }
+    for (const auto& assignment : assignments)
+        if (!isValidUTF8(assignment)) throw UsageError("--set: \"" + assignment + "\" is not valid UTF-8 text");
     auto parsed = parseIntentParameters(*widget.intent, assignments);
     if (!parsed) throw UsageError("--set: " + parsed.error);
     return *parsed.value;

@@ -1,9 +1,35 @@
 #include <iostream>
+#include <optional>
+#include <string>
 
 #include "app/cli.hpp"
 #include "platform/bundle_info.hpp"
+#include "platform/text.hpp"
 
 namespace mw::cli {
+namespace {
+
+// The command word when it names no command: the first argument that is
+// neither an option nor the value of a global option.
+std::optional<std::string> unknownCommand(CLI::App& app, int argc, char** argv) {
+    for (int i = 1; i < argc; ++i) {
+        const std::string word = argv[i];
+        if (word == "--container" || word == "--now") {
+            ++i;
+            continue;
+        }
+        if (word.empty() || word[0] == '-') continue;
+        try {
+            app.get_subcommand(word);
+            return std::nullopt;
+        } catch (const CLI::OptionNotFound&) {
+            return word;
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace
 
 int runCommandLine(int argc, char** argv, std::initializer_list<CommandRegistrar> groups) {
     CLI::App app{"Meterwick desktop widgets: timelines, choices and drawings from widget-payload.json",
@@ -23,16 +49,25 @@ int runCommandLine(int argc, char** argv, std::initializer_list<CommandRegistrar
 
     for (const auto registerCommands : groups) registerCommands(app, options);
 
+    // Messages repeat what was typed or stored (ids, paths): escaped, so
+    // they cannot drive the terminal.
+    const auto say = [](const std::string& message) {
+        std::cerr << "meterwick-widgets: " << printable(message) << '\n';
+    };
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
+        if (const auto word = unknownCommand(app, argc, argv)) {
+            say("unknown command \"" + *word + "\"; see meterwick-widgets --help for the commands");
+            return kUsageExitStatus;
+        }
         const int status = app.exit(error);
         return status == 0 ? 0 : kUsageExitStatus;
     } catch (const UsageError& error) {
-        std::cerr << "meterwick-widgets: " << error.what() << '\n';
+        say(error.what());
         return kUsageExitStatus;
     } catch (const std::exception& error) {  // the command could not be carried out
-        std::cerr << "meterwick-widgets: " << error.what() << '\n';
+        say(error.what());
         return 1;
     }
     return 0;

@@ -1,5 +1,6 @@
 // render, describe, gallery, demo: the widgets drawn from their timelines.
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
@@ -38,7 +39,14 @@ void addDrawOptions(CLI::App& command, DrawArguments& args) {
             ->type_name("FAMILY");
     addSetOption(command, args.assignments);
     command.add_option("--entry", args.entry, "Which entry of the timeline to draw (default 0)")
-        ->check(CLI::NonNegativeNumber);
+        ->check(
+            [](const std::string& text) {
+                // Decimal digits only: no sign, no hex, no exponent.
+                const bool digits = !text.empty() && text.size() <= 6 &&
+                                    std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+                return digits ? std::string() : "\"" + text + "\" is not an entry number (0, 1, 2 …)";
+            },
+            "", "N");
     command.add_option("--appearance", args.appearance, "light or dark (default light)")
         ->check(CLI::IsMember({"light", "dark"}));
 }
@@ -148,21 +156,30 @@ void registerRenderCommands(CLI::App& app, const GlobalOptions& options) {
     auto renderArgs = std::make_shared<DrawArguments>();
     addDrawOptions(*renderCommand, *renderArgs);
     renderCommand->add_option("--scale", renderArgs->scale, "Pixels per point for PNG (default 2)")
-        ->check(CLI::Range(0.25, 8.0))
         ->check([](const std::string& text) {
-            // A range check lets "nan" through: no comparison with it fails.
-            return std::isnan(std::strtod(text.c_str(), nullptr)) ? "\"" + text + "\" is not a number" : std::string();
-        });
+            // Checked before the range, which would call "abc" out of range
+            // and lets "nan" through (no comparison with it fails).
+            char* end = nullptr;
+            const double value = std::strtod(text.c_str(), &end);
+            const bool number = !text.empty() && end == text.c_str() + text.size() && std::isfinite(value);
+            return number ? std::string() : "\"" + text + "\" is not a number";
+        })
+        ->check(CLI::Range(0.25, 8.0));
     renderCommand->add_option("--output", renderArgs->output, "The file to write: .png, .svg or .pdf")
         ->required()
         ->type_name("FILE");
     renderCommand->callback([&options, renderArgs] {
         checkOutputPath(renderArgs->output);
         const auto list = laidOutEntry(options, *renderArgs);
-        std::string error;
-        if (!render::writeFile(list, renderArgs->output, {appearanceFrom(renderArgs->appearance), renderArgs->scale},
-                               &error))
-            throw std::runtime_error(error);
+        // Drawn whole first, then put in place atomically: a full disk or a
+        // crash leaves the old file, and a link at the path is replaced
+        // rather than written through.
+        const auto appearance = appearanceFrom(renderArgs->appearance);
+        const auto extension = std::filesystem::path(renderArgs->output).extension();
+        const std::string bytes = extension == ".png"   ? render::renderPNG(list, {appearance, renderArgs->scale})
+                                  : extension == ".svg" ? render::renderSVG(list, appearance)
+                                                        : render::renderPDF(list, appearance);
+        writeOutput(renderArgs->output, bytes);
     });
 
     auto* describeCommand = app.add_subcommand("describe", drawingCommandDescription("describe"));
@@ -183,9 +200,15 @@ void registerRenderCommands(CLI::App& app, const GlobalOptions& options) {
     auto* demo = app.add_subcommand("demo", drawingCommandDescription("demo"));
     auto demoDir = std::make_shared<std::string>("out/demo");
     demo->add_option("--output", *demoDir, "The directory to write into (default out/demo)")->type_name("DIR");
-    demo->callback([&options, demoDir] {
+    auto demoForce = std::make_shared<bool>(false);
+    demo->add_flag("--force", *demoForce, "Replace the payload of a container the directory already holds");
+    demo->callback([&options, demoDir, demoForce] {
         const std::filesystem::path dir = *demoDir;
         const auto container = dir / "container";
+        std::error_code ec;
+        if (!*demoForce && std::filesystem::exists(std::filesystem::symlink_status(container / kPayloadFileName, ec)))
+            throw UsageError((container / kPayloadFileName).string() +
+                             " already exists; add --force to replace it with the sample payload");
         std::filesystem::create_directories(container);
         auto context = providerContext(options);
         writeOutput(container / kPayloadFileName, encodePayload(samplePayload(context.now)));

@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 
 #include <cstdlib>
+#include <filesystem>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -59,7 +60,13 @@ TEST(Cli, UsageErrorsExitWithStatusTwoAndSayWhy) {
         {"--now yesterday kinds", "is not an ISO 8601 date-time"},  // even where the clock is never read
         {"choices tool --now 2025-01-31", "--now"},
         {"render focus --scale nan --output x.png", "is not a number"},
-        {"frobnicate", ""},
+        // Each used to slip through or say something beside the point.
+        {"render focus --scale abc --output x.png", "\"abc\" is not a number"},
+        {"render focus --entry 0x1 --output x.png", "is not an entry number"},
+        {"render focus --entry -1 --output x.png", "is not an entry number"},
+        {"timeline focus --set \"$(printf 'tool=\\377')\"", "is not valid UTF-8"},
+        {"frobnicate", "unknown command \"frobnicate\""},
+        {"place \"$(printf '\\033[2J')\"", "unknown widget kind \"\\x1B[2J\""},
         {"", ""},
         {"choices everything", ""},
         {"lookup tool", ""},
@@ -69,7 +76,29 @@ TEST(Cli, UsageErrorsExitWithStatusTwoAndSayWhy) {
         EXPECT_EQ(result.status, 2) << c.arguments;
         EXPECT_TRUE(result.out.empty()) << c.arguments;
         EXPECT_NE(result.err.find(c.message), std::string::npos) << c.arguments << ": " << result.err;
+        EXPECT_EQ(result.err.find('\x1b'), std::string::npos) << c.arguments << ": a raw escape reached the terminal";
     }
+}
+
+TEST(Cli, OutputsNeverTearOrOverwriteWhatWasNotMeantToBe) {
+    const TempDir dir;
+    // render replaces a link at --output instead of writing through it.
+    dir.write("elsewhere.png", "precious");
+    std::filesystem::create_symlink(dir / "elsewhere.png", dir / "out.png");
+    ASSERT_EQ(run("--now 2025-01-31T14:05:00Z render focus --output '" + (dir / "out.png").string() + "'").status, 0);
+    EXPECT_EQ(testing::readFile(dir / "elsewhere.png"), "precious");
+    EXPECT_FALSE(std::filesystem::is_symlink(dir / "out.png"));
+    EXPECT_EQ(testing::readFile(dir / "out.png").substr(1, 3), "PNG");
+
+    // demo refuses a container that already has a payload unless forced.
+    std::filesystem::create_directories(dir / "demo" / "container");
+    dir.write("demo/container/widget-payload.json", "{\"mine\": true}");
+    const auto refused = run("demo --output '" + (dir / "demo").string() + "'");
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_NE(refused.err.find("--force"), std::string::npos) << refused.err;
+    EXPECT_EQ(testing::readFile(dir / "demo/container/widget-payload.json"), "{\"mine\": true}");
+    EXPECT_EQ(run("demo --force --output '" + (dir / "demo").string() + "'").status, 0);
+    EXPECT_NE(testing::readFile(dir / "demo/container/widget-payload.json"), "{\"mine\": true}");
 }
 
 TEST(Cli, TimelinePrintsEntriesAndWritesTheSelfReport) {
