@@ -154,6 +154,14 @@ void HostApplication::startup() {
     termSignal_ = g_unix_signal_add(SIGTERM, quitOnSignal, application_);
     intSignal_ = g_unix_signal_add(SIGINT, quitOnSignal, application_);
 
+    // Widgets on a monitor that came or went are brought into view again.
+    if (GdkDisplay* display = gdk_display_get_default(); display != nullptr) {
+        const auto changed = [this](GdkDisplay*, GdkMonitor*) {
+            monitorsSettle_ = timeoutOnce(kFileChangeDebounceMilliseconds, [this] { monitorsChanged(); });
+        };
+        monitorAdded_ = connect<void(GdkDisplay*, GdkMonitor*)>(display, "monitor-added", changed);
+        monitorRemoved_ = connect<void(GdkDisplay*, GdkMonitor*)>(display, "monitor-removed", changed);
+    }
     registerBusObject();
     watchFiles();
     syncPlacements();
@@ -163,6 +171,9 @@ void HostApplication::startup() {
 // left to end with the process.
 void HostApplication::shutdown() {
     sync_.reset();
+    monitorsSettle_.reset();
+    monitorAdded_.reset();
+    monitorRemoved_.reset();
     storeRetry_.reset();
     payloadWatch_.reset();
     storeWatch_.reset();
@@ -299,7 +310,8 @@ std::unique_ptr<WidgetWindow> HostApplication::makeWindow(const PlacedWidget& pl
             .appearance = [this] { return appearance_; },
             .build = [this](const PlacedWidget& p, const WidgetDeclaration& w,
                             WidgetSchedule::Built done) { build(p, w, std::move(done)); },
-            .moved = [this, id](WidgetPosition position) { setPosition(id, position); },
+            .moved = [this, id](WidgetPosition position,
+                                const std::optional<std::string>& monitor) { setPosition(id, position, monitor); },
             .parameterChosen = [this, id](const std::string& name,
                                           const std::string& value) { setParameter(id, name, value); },
             .removeRequested = [this, id] { removeWidget(id); },
@@ -424,15 +436,21 @@ void HostApplication::setParameter(const std::string& id, const std::string& nam
     });
 }
 
-void HostApplication::setPosition(const std::string& id, WidgetPosition position) {
-    editStore([id, position](std::vector<PlacedWidget>& widgets) {
+void HostApplication::setPosition(const std::string& id, WidgetPosition position,
+                                  const std::optional<std::string>& monitor) {
+    editStore([id, position, monitor](std::vector<PlacedWidget>& widgets) {
         for (auto& w : widgets)
-            if (w.id == id && w.position != position) {
+            if (w.id == id && (w.position != position || w.monitor != monitor)) {
                 w.position = position;
+                w.monitor = monitor;
                 return true;
             }
         return false;
     });
+}
+
+void HostApplication::monitorsChanged() {
+    for (auto& [id, window] : windows_) window->monitorsChanged();
 }
 
 void HostApplication::removeWidget(const std::string& id) {

@@ -104,7 +104,8 @@ class HostApplication {
     // saved file afterwards.
     void editStore(std::function<bool(std::vector<PlacedWidget>&)> edit);
     void setParameter(const std::string& id, const std::string& name, const std::string& value);
-    void setPosition(const std::string& id, WidgetPosition position);
+    void setPosition(const std::string& id, WidgetPosition position, const std::optional<std::string>& monitor);
+    void monitorsChanged();
     void removeWidget(const std::string& id);
     void addWidget(const WidgetDeclaration& widget, WidgetFamily family, std::optional<WidgetPosition> near);
     void showAddDialog(std::optional<WidgetPosition> near);
@@ -131,6 +132,8 @@ class HostApplication {
     std::unique_ptr<ContainerWatch> payloadWatch_;
     std::unique_ptr<FileWatch> storeWatch_;
     Source sync_;
+    Source monitorsSettle_;  // a burst of monitor changes is handled once
+    Connection monitorAdded_, monitorRemoved_;
     Source storeRetry_;  // a widgets.json that did not parse is read again shortly
     unsigned storeRetries_ = 0;
     std::string storeProblem_;  // the last problem reported, so a retry does not repeat it

@@ -1,5 +1,8 @@
 #include "app/host/widget_window.hpp"
 
+#include <cmath>
+
+#include "app/host/desktop_monitors.hpp"
 #include "app/host/dialogs.hpp"
 #include "render/display_list.hpp"
 
@@ -29,11 +32,7 @@ WidgetWindow::WidgetWindow(PlacedWidget placed, ResolvedPlacement resolved, Widg
                                            !placement_.layerShell(), WindowInput::Callbacks{
                                                .position = [this] { return placement_.position(); },
                                                .moveTo = [this](WidgetPosition p) { placement_.moveTo(p); },
-                                               .moved =
-                                                   [this](WidgetPosition p) {
-                                                       placed_.position = p;
-                                                       callbacks_.moved(p);
-                                                   },
+                                               .moved = [this](WidgetPosition p) { dropAt(p); },
                                                .clicked = [this](PointerPoint at) { openLinkAt(at); },
                                                .edit = [this] { showEditDialog(); },
                                                .remove = [this] { callbacks_.removeRequested(); },
@@ -49,7 +48,7 @@ WidgetWindow::WidgetWindow(PlacedWidget placed, ResolvedPlacement resolved, Widg
                                                   [this](GObject*, GParamSpec*) { presentationChanged(); });
 
     placement_.resize(widgetSize(resolved_.family));
-    placement_.moveTo(placed_.position);
+    place();
     gtk_widget_show(window_.get());
     schedule_.reload();
 }
@@ -64,14 +63,61 @@ void WidgetWindow::update(const PlacedWidget& placed, const ResolvedPlacement& r
     const bool rebuild =
         placed.kind != placed_.kind || placed.family != placed_.family || placed.parameters != placed_.parameters;
     const bool resized = resolved.family != resolved_.family;
-    const bool moved = placed.position != placed_.position;
+    const bool moved = placed.position != placed_.position || placed.monitor != placed_.monitor;
     if (placed.kind != placed_.kind) editDialog_.reset();  // its parameters belong to the old intent
     placed_ = placed;
     resolved_ = resolved;
     input_->setEditable(widget().intent != nullptr);
     if (resized) placement_.resize(widgetSize(resolved_.family));
-    if (moved && !input_->moving()) placement_.moveTo(placed_.position);
+    if ((moved || resized) && !input_->moving()) place();
     if (rebuild) schedule_.reload();
+}
+
+std::pair<int, int> WidgetWindow::pixelSize() const {
+    const auto size = widgetSize(resolved_.family);
+    return {static_cast<int>(std::ceil(size.width)), static_cast<int>(std::ceil(size.height))};
+}
+
+void WidgetWindow::showAt(const Placement& placement) {
+    GdkDisplay* display = gtk_widget_get_display(window_.get());
+    if (placement.monitor != nullptr)
+        placement_.setMonitor(gdkMonitorOf(display, *placement.monitor),
+                              {placement.monitor->geometry.x, placement.monitor->geometry.y});
+    placement_.moveTo(placement.desktop);
+}
+
+void WidgetWindow::place() {
+    const auto monitors = desktopMonitors(gtk_widget_get_display(window_.get()));
+    const auto [width, height] = pixelSize();
+    const auto placement = placeOnMonitor(monitors, placed_.monitor, placed_.position, width, height);
+    showAt(placement);
+    // Shown on the primary while its own monitor is away, the widget keeps
+    // its stored place and goes back when the monitor returns.
+    const bool ownMonitor =
+        placement.monitor != nullptr && (!placed_.monitor || monitorIdentity(*placement.monitor) == *placed_.monitor);
+    if (placement.moved && ownMonitor) {
+        placed_.position = placement.offset;
+        callbacks_.moved(placed_.position, placed_.monitor);
+    }
+}
+
+void WidgetWindow::dropAt(WidgetPosition desktop) {
+    const auto monitors = desktopMonitors(gtk_widget_get_display(window_.get()));
+    const auto [width, height] = pixelSize();
+    const auto placement = placeAtDesktop(monitors, placed_.monitor, desktop, width, height);
+    showAt(placement);
+    if (placement.monitor != nullptr) {
+        // A widget that never named a monitor and stays on the primary keeps
+        // naming none, so it follows the primary.
+        const bool onPrimary = placement.monitor == monitorFor(monitors, std::nullopt);
+        if (placed_.monitor || !onPrimary) placed_.monitor = monitorIdentity(*placement.monitor);
+    }
+    placed_.position = placement.offset;
+    callbacks_.moved(placed_.position, placed_.monitor);
+}
+
+void WidgetWindow::monitorsChanged() {
+    if (!input_->moving()) place();
 }
 
 void WidgetWindow::reload(std::function<void()> done) {

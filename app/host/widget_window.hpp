@@ -18,6 +18,7 @@
 #include "app/host/window_input.hpp"
 #include "app/host/window_placement.hpp"
 #include "bundle/bundle.hpp"
+#include "host/monitors.hpp"
 #include "host/placements.hpp"
 
 namespace mw::host {
@@ -29,7 +30,9 @@ struct WidgetWindowCallbacks {
     std::function<render::Appearance()> appearance;
     // Build a timeline for this placement and hand it to `done` on the main loop.
     std::function<void(const PlacedWidget& placed, const WidgetDeclaration& widget, WidgetSchedule::Built done)> build;
-    std::function<void(WidgetPosition)> moved;
+    // The widget's place changed (a drag, or a clamp into its monitor): the
+    // offset from its monitor's corner and the monitor's identity.
+    std::function<void(WidgetPosition offset, const std::optional<std::string>& monitor)> moved;
     std::function<void(const std::string& name, const std::string& value)> parameterChosen;
     std::function<void()> removeRequested;
     std::function<void(WidgetPosition near)> addRequested;
@@ -62,10 +65,21 @@ class WidgetWindow {
     void recheck();
     // Draws again in the host's current appearance.
     void appearanceChanged();
+    // Brings the window into its monitor again after monitors came, went or
+    // changed.
+    void monitorsChanged();
     // Drops the snapshot files (the widget was removed).
     void removeSnapshot() const;
 
   private:
+    // Shows the widget at its stored place, clamped into its monitor; a
+    // clamped offset is saved when the widget is on its own monitor.
+    void place();
+    // A move ended at `desktop`: the widget belongs to the monitor under its
+    // centre, clamped into it, and is saved there.
+    void dropAt(WidgetPosition desktop);
+    void showAt(const Placement& placement);
+    std::pair<int, int> pixelSize() const;
     void showEntry(const AnyTimeline& timeline, std::size_t entry);
     void presentationChanged();
     void openLinkAt(PointerPoint at) const;

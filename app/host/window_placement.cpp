@@ -49,11 +49,18 @@ void WindowPlacement::resize(WidgetSize size) {
     gtk_window_resize(window_, width, height);
 }
 
+void WindowPlacement::setMonitor(GdkMonitor* monitor, WidgetPosition origin) {
+    if (!layerShell_) return;  // X11 windows stand in desktop coordinates
+    if (gtk_layer_get_monitor(window_) != monitor) gtk_layer_set_monitor(window_, monitor);
+    origin_ = monitor != nullptr ? origin : WidgetPosition{};
+}
+
 void WindowPlacement::moveTo(WidgetPosition position) {
     asked_ = position;
     if (layerShell_) {
-        gtk_layer_set_margin(window_, GTK_LAYER_SHELL_EDGE_LEFT, position.x);
-        gtk_layer_set_margin(window_, GTK_LAYER_SHELL_EDGE_TOP, position.y);
+        // Margins count from the corner of the surface's own output.
+        gtk_layer_set_margin(window_, GTK_LAYER_SHELL_EDGE_LEFT, position.x - origin_.x);
+        gtk_layer_set_margin(window_, GTK_LAYER_SHELL_EDGE_TOP, position.y - origin_.y);
     } else {
         gtk_window_move(window_, position.x, position.y);
     }

@@ -22,9 +22,14 @@ class WindowPlacement {
     bool composited() const { return composited_; }
 
     void resize(WidgetSize size);
+    // Puts the window on `monitor` (a layer surface on its output), whose
+    // top-left corner is `origin` in desktop coordinates; nullptr lets the
+    // compositor choose.
+    void setMonitor(GdkMonitor* monitor, WidgetPosition origin);
+    // Moves the window to `position` in desktop coordinates.
     void moveTo(WidgetPosition position);
     // Where the window manager has the window now (X11 only; else the last
-    // position asked for).
+    // position asked for), in desktop coordinates.
     WidgetPosition position() const;
 
   private:
@@ -32,6 +37,7 @@ class WindowPlacement {
     bool layerShell_ = false;
     bool composited_ = false;
     WidgetPosition asked_;
+    WidgetPosition origin_;  // of the layer surface's output
 };
 
 }  // namespace mw::host

@@ -20,6 +20,7 @@
 #include <sstream>
 #include <thread>
 
+#include "config/family.hpp"
 #include "host/placements.hpp"
 #include "payload/codec.hpp"
 #include "payload/sample.hpp"
@@ -263,9 +264,64 @@ void scenario(const std::string& desktop) {
     EXPECT_TRUE(shownAt(accounts, moved, "dragged.png")) << desktop << "\n" << hostLog();
 }
 
+// sway with a second output to the right of the first: a widget placed on
+// it stands there (its layer surface on that output, its offset from that
+// output's corner), and one placed past the first output's edge is brought
+// back inside and saved so.
+void monitorsScenario() {
+    const TempDir root;
+    const auto config = root / "config";
+    const auto container = root / "container";
+    const auto snapshots = root / "snapshots";
+    std::filesystem::create_directories(container);
+    ::setenv("XDG_CONFIG_HOME", config.c_str(), 1);
+    ::setenv("METERWICK_CONTAINER", container.c_str(), 1);
+    ::setenv("MW_HOST_SNAPSHOT_DIR", snapshots.c_str(), 1);
+    ::setenv("MW_HOST_APPEARANCE", "light", 1);
+    ::setenv("NO_AT_BRIDGE", "1", 1);
+    ASSERT_TRUE(writeFileAtomically(container / kPayloadFileName, encodePayload(samplePayload(systemNow()))));
+
+    ASSERT_EQ(run("swaymsg create_output").status, 0);
+    const auto configured = run("swaymsg output HEADLESS-2 mode 1280x720 position 1920 0");
+    ASSERT_EQ(configured.status, 0) << configured.out << configured.err;
+    // GTK names a Wayland output by its model and position.
+    const auto outputs = nlohmann::json::parse(run("swaymsg -r -t get_outputs").out, nullptr, false);
+    std::string second;
+    for (const auto& output : outputs)
+        if (output.value("name", "") == "HEADLESS-2") second = output.value("model", "") + "@1920,0";
+    ASSERT_FALSE(second.empty()) << outputs.dump();
+
+    ASSERT_EQ(run("'" MW_CLI_PATH "' place focus --monitor '" + second + "' --at 100,120").status, 0);
+    ASSERT_EQ(run("'" MW_CLI_PATH "' place accounts --family systemMedium --at 1800,1000").status, 0);
+    const auto medium = widgetSize(WidgetFamily::systemMedium);
+
+    Host host(root / "host.log");
+    const auto hostLog = [&] { return readFile(root / "host.log"); };
+    ASSERT_TRUE(waitFor([&] {
+        return std::filesystem::exists(snapshots / "focus-1.json") &&
+               std::filesystem::exists(snapshots / "accounts-1.json");
+    }, 60s)) << hostLog();
+    const auto shownAt = [&](const std::string& id, WidgetPosition at, const char* shot) {
+        const auto widget = readPPM(run("convert '" + (snapshots / (id + ".png")).string() + "' -depth 8 ppm:-").out);
+        return waitFor([&] {
+            const auto screen = screenshot("sway", std::filesystem::path(::getenv("MW_DESKTOP_SHOTS")) / shot);
+            return mismatch(screen, widget, at.x, at.y) < 8;
+        }, 15s);
+    };
+
+    const WidgetPosition clamped{1920 - static_cast<int>(medium.width), 1080 - static_cast<int>(medium.height)};
+    EXPECT_TRUE(waitFor([&] { return storedPosition(config, "accounts-1") == clamped; }, 10s))
+        << "saved at " << storedPosition(config, "accounts-1").x << "," << storedPosition(config, "accounts-1").y;
+    EXPECT_TRUE(shownAt("accounts-1", clamped, "two-outputs.png")) << hostLog();
+    EXPECT_TRUE(shownAt("focus-1", {1920 + 100, 120}, "two-outputs.png")) << hostLog();
+}
+
 void inDesktop(const std::string& desktop) {
     if (const char* inside = std::getenv(kInsideVariable); inside != nullptr) {
-        scenario(inside);
+        if (std::string(inside) == "sway-outputs")
+            monitorsScenario();
+        else
+            scenario(inside);
         return;
     }
     // Screenshots are kept in the build tree for a person to look at.
@@ -274,7 +330,8 @@ void inDesktop(const std::string& desktop) {
     std::filesystem::permissions(shots, std::filesystem::perms::all);
     const TempDir io;
     const std::string test = ::testing::UnitTest::GetInstance()->current_test_info()->name();
-    const std::string command = "timeout -k 5 240 '" MW_DESKTOP_SESSION "' " + desktop + " env " + kInsideVariable +
+    const std::string session = desktop == "sway-outputs" ? "sway" : desktop;
+    const std::string command = "timeout -k 5 240 '" MW_DESKTOP_SESSION "' " + session + " env " + kInsideVariable +
                                 "=" + desktop + " MW_DESKTOP_SHOTS='" + shots.string() + "' '" +
                                 std::filesystem::read_symlink("/proc/self/exe").string() +
                                 "' --gtest_filter=DesktopEndToEnd." + test + " >'" + (io / "log").string() + "' 2>&1";
@@ -284,6 +341,7 @@ void inDesktop(const std::string& desktop) {
 
 TEST(DesktopEndToEnd, Openbox) { inDesktop("openbox"); }
 TEST(DesktopEndToEnd, Sway) { inDesktop("sway"); }
+TEST(DesktopEndToEnd, SwayTwoOutputs) { inDesktop("sway-outputs"); }
 
 }  // namespace
 }  // namespace mw
