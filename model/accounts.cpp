@@ -6,38 +6,19 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "model/hashing.hpp"
 #include "model/rounding.hpp"
-
-namespace mw::hashing {
-
-template <>
-struct Fold<WidgetUsageWindow> {
-    static void apply(std::size_t& seed, const WidgetUsageWindow& w) {
-        combine(seed, of(w.id, w.label, w.usedPercent, w.resetAt, w.durationSeconds));
-    }
-};
-
-template <>
-struct Fold<WidgetMeter> {
-    static void apply(std::size_t& seed, const WidgetMeter& m) {
-        combine(seed, of(m.id, m.label, m.kind, m.valueText, m.percent, m.resetAt, m.isHeadline, m.regenerates,
-                         m.note));
-    }
-};
-
-template <>
-struct Fold<WidgetDailyValue> {
-    static void apply(std::size_t& seed, const WidgetDailyValue& d) {
-        combine(seed, of(d.day, d.spendUSD, d.requests, d.tokens));
-    }
-};
-
-}  // namespace mw::hashing
+#include "payload/hash.hpp"
 
 namespace mw {
 
 std::string accountKey(const WidgetToolSnapshot& snapshot) { return toolKey(snapshot); }
+
+std::optional<LeftOut> leftOutReason(const WidgetToolSnapshot& tool, const std::unordered_set<std::string>& enabled) {
+    if (!enabled.contains(accountKey(tool)))
+        return tool.accountSlug && enabled.contains(tool.toolID) ? LeftOut::bareToolIDOnly : LeftOut::notEnabled;
+    if (!tool.isConnected && !tool.windows) return LeftOut::disconnected;
+    return std::nullopt;
+}
 
 std::vector<WidgetAccount> accountList(const WidgetPayload& payload) {
     const std::unordered_set<std::string> enabled(payload.enabledToolIDs.begin(), payload.enabledToolIDs.end());
@@ -53,8 +34,7 @@ std::vector<WidgetAccount> accountList(const WidgetPayload& payload) {
     std::vector<Kept> kept;
     std::unordered_map<std::string_view, std::size_t> rankOf;
     for (const auto& tool : payload.tools) {
-        if (!enabled.contains(accountKey(tool))) continue;
-        if (!tool.isConnected && !tool.windows) continue;
+        if (leftOutReason(tool, enabled)) continue;
         const auto rank = rankOf.try_emplace(tool.toolID, rankOf.size()).first->second;
         kept.push_back({&tool, rank});
     }
@@ -163,8 +143,5 @@ std::string durationText(double seconds) {
 }  // namespace mw
 
 std::size_t std::hash<mw::WidgetAccount>::operator()(const mw::WidgetAccount& account) const noexcept {
-    const auto& s = account.snapshot;
-    return mw::hashing::of(s.toolID, s.accountSlug, s.displayName, s.compactLabel, s.isConnected, s.usagePercent,
-                           s.isUnderRate, s.resetAt, s.dangerLevel, s.menuBarText, s.menuBarDelta, s.brandHex,
-                           s.forecastLabel, s.hasQuotaHeadline, s.rankPercent, s.windows, s.meters, s.dailyValues);
+    return mw::hashValue(account.snapshot);
 }

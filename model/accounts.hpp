@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "model/options.hpp"
@@ -27,6 +28,17 @@ inline constexpr std::string_view kTitleSeparator = " \u00B7 ";
 // "toolID", or "toolID:accountSlug" when the snapshot has a slug.
 std::string accountKey(const WidgetToolSnapshot& snapshot);
 inline std::string accountKey(const WidgetAccount& account) { return accountKey(account.snapshot); }
+
+// Why the account list leaves a snapshot out.
+enum class LeftOut {
+    notEnabled,       // its key is not in enabledToolIDs
+    bareToolIDOnly,   // enabledToolIDs lists its toolID, but its key carries the slug
+    disconnected,     // enabled, but disconnected and without windows
+};
+
+// Why `tool` is not in the account list of a payload whose enabledToolIDs are
+// `enabled`, or nothing when it is.
+std::optional<LeftOut> leftOutReason(const WidgetToolSnapshot& tool, const std::unordered_set<std::string>& enabled);
 
 // The enabled, connected (or windowed) snapshots, grouped by tool in order of
 // first appearance, each tool's main account before its slugged ones.

@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "model/hashing.hpp"
+#include "payload/hash.hpp"
 
 namespace mw {
 
@@ -58,6 +58,6 @@ constexpr Color usageRingColor(std::int64_t dangerLevel, Color brand) {
 template <>
 struct std::hash<mw::Color> {
     std::size_t operator()(const mw::Color& c) const noexcept {
-        return mw::hashing::of(static_cast<int>(c.style), c.red, c.green, c.blue, c.opacity);
+        return mw::hashOf(static_cast<int>(c.style), c.red, c.green, c.blue, c.opacity);
     }
 };

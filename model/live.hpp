@@ -4,16 +4,14 @@
 // can be exchanged as plain numbers. JSON keys equal the field names, written
 // in declaration order; absent optionals are left out, never written as null.
 
-#include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include <nlohmann/json.hpp>
-
+#include "payload/fields.hpp"
+#include "payload/hash.hpp"
 #include "platform/date.hpp"
 
 namespace mw {
@@ -32,6 +30,16 @@ struct LiveWindowSnapshot {
     std::optional<Date> resetAt() const;
     bool operator==(const LiveWindowSnapshot&) const = default;
 };
+
+template <class Visit, RecordOf<LiveWindowSnapshot> R>
+constexpr void fields(Visit&& visit, R& r) {
+    visit("label", r.label);
+    visit("percent", r.percent);
+    visit("resetAtEpoch", r.resetAtEpoch);
+    visit("durationSeconds", r.durationSeconds);
+}
+template <>
+inline constexpr std::string_view kRecordName<LiveWindowSnapshot> = "LiveWindowSnapshot";
 
 // One provider with its headline limit.
 struct LiveProviderSnapshot {
@@ -57,6 +65,22 @@ struct LiveProviderSnapshot {
     bool operator==(const LiveProviderSnapshot&) const = default;
 };
 
+template <class Visit, RecordOf<LiveProviderSnapshot> R>
+constexpr void fields(Visit&& visit, R& r) {
+    visit("id", r.id);
+    visit("toolID", r.toolID);
+    visit("displayName", r.displayName);
+    visit("percent", r.percent);
+    visit("resetAtEpoch", r.resetAtEpoch);
+    visit("dangerLevel", r.dangerLevel);
+    visit("brandHex", r.brandHex);
+    visit("windowLabel", r.windowLabel);
+    visit("windowSeconds", r.windowSeconds);
+    visit("secondary", r.secondary);
+}
+template <>
+inline constexpr std::string_view kRecordName<LiveProviderSnapshot> = "LiveProviderSnapshot";
+
 // The provider in focus and every provider, in the producer's order.
 struct LiveActivityContentPayload {
     LiveProviderSnapshot primary;
@@ -68,16 +92,13 @@ struct LiveActivityContentPayload {
     bool operator==(const LiveActivityContentPayload&) const = default;
 };
 
-// Encoding keeps declaration order, hence the ordered document type.
-void to_json(nlohmann::ordered_json& j, const LiveWindowSnapshot& value);
-void to_json(nlohmann::ordered_json& j, const LiveProviderSnapshot& value);
-void to_json(nlohmann::ordered_json& j, const LiveActivityContentPayload& value);
-
-// Strict: a missing or mistyped required key, or a mistyped optional one,
-// throws json::DecodeError.
-void from_json(const nlohmann::json& j, LiveWindowSnapshot& value);
-void from_json(const nlohmann::json& j, LiveProviderSnapshot& value);
-void from_json(const nlohmann::json& j, LiveActivityContentPayload& value);
+template <class Visit, RecordOf<LiveActivityContentPayload> R>
+constexpr void fields(Visit&& visit, R& r) {
+    visit("primary", r.primary);
+    visit("all", r.all);
+}
+template <>
+inline constexpr std::string_view kRecordName<LiveActivityContentPayload> = "LiveActivityContentPayload";
 
 // Compact JSON text.
 std::string encodeLive(const LiveWindowSnapshot& value);
@@ -85,23 +106,9 @@ std::string encodeLive(const LiveProviderSnapshot& value);
 std::string encodeLive(const LiveActivityContentPayload& value);
 
 // The record in `text`, or nothing when the text is not JSON or the record
-// does not decode. Instantiated for the three live records.
+// does not decode (strictly: a missing or mistyped required key, or a
+// mistyped optional one, fails the record). Instantiated for the three live records.
 template <class T>
 std::optional<T> decodeLive(std::string_view text);
 
 }  // namespace mw
-
-template <>
-struct std::hash<mw::LiveWindowSnapshot> {
-    std::size_t operator()(const mw::LiveWindowSnapshot& value) const noexcept;
-};
-
-template <>
-struct std::hash<mw::LiveProviderSnapshot> {
-    std::size_t operator()(const mw::LiveProviderSnapshot& value) const noexcept;
-};
-
-template <>
-struct std::hash<mw::LiveActivityContentPayload> {
-    std::size_t operator()(const mw::LiveActivityContentPayload& value) const noexcept;
-};

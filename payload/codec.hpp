@@ -5,8 +5,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include "payload/records.hpp"
 
@@ -20,20 +21,32 @@ inline constexpr int kMaxPayloadNesting = 512;
 // object; otherwise the payload with every failing root key at its default.
 std::optional<WidgetPayload> decodePayload(std::string_view bytes);
 
+// Something the lenient root decoder set aside: `pointer` (RFC 6901) names the
+// innermost value that failed, or where a missing key belongs; the empty
+// pointer is the whole document.
+struct PayloadProblem {
+    std::string pointer;
+    std::string reason;  // what is wrong with the value
+    std::string effect;  // what the reader uses instead
+    bool operator==(const PayloadProblem&) const = default;
+};
+
+struct PayloadReading {
+    std::optional<WidgetPayload> payload;  // exactly what decodePayload gives
+    std::vector<PayloadProblem> problems;  // in root key order, at most one per key
+};
+
+// decodePayload, telling every root key it replaced by its default and why.
+// A missing optional root key is no problem; a missing required one is.
+PayloadReading readPayload(std::string_view bytes);
+
 // Compact JSON with the records' keys in declaration order and absent
 // optionals omitted.
 std::string encodePayload(const WidgetPayload& payload);
 nlohmann::ordered_json toJSON(const WidgetPayload& payload);
 
-// Strict decoders of the nested records (throw json::DecodeError).
-void from_json(const nlohmann::json& j, WidgetUsageWindow& value);
-void from_json(const nlohmann::json& j, WidgetMeter& value);
-void from_json(const nlohmann::json& j, WidgetDailyValue& value);
-void from_json(const nlohmann::json& j, SparklinePoint& value);
-void from_json(const nlohmann::json& j, WidgetToolSnapshot& value);
-void from_json(const nlohmann::json& j, WidgetUsageCard& value);
-void from_json(const nlohmann::json& j, WidgetDailyEntry& value);
-void from_json(const nlohmann::json& j, WidgetTokenSummary& value);
-void from_json(const nlohmann::json& j, WidgetDashboard& value);
+// The JSON Schema (draft 2020-12) of widget-payload.json, from the same field
+// lists the decoder walks.
+nlohmann::ordered_json payloadSchema();
 
 }  // namespace mw

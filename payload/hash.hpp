@@ -1,5 +1,6 @@
 #pragma once
-// Field-by-field hashing of the payload records, consistent with their ==.
+// The one hasher of value records, consistent with their ==: a record with a
+// field list hashes its members in list order, so hashing can never miss one.
 
 #include <cstddef>
 #include <functional>
@@ -8,17 +9,22 @@
 #include <string>
 #include <vector>
 
-#include "payload/records.hpp"
+#include "payload/fields.hpp"
+#include "platform/date.hpp"
 
 namespace mw {
 
 // Accumulates a hash over values in order; an absent optional and a present
-// one hash differently.
+// one hash differently, and so do containers of different lengths.
 class Hasher {
 public:
     template <class T>
     Hasher& add(const T& value) {
-        mix(std::hash<T>{}(value));
+        if constexpr (FieldRecord<T>) {
+            fields([this](const char*, const auto& member) { add(member); }, value);
+        } else {
+            mix(std::hash<T>{}(value));
+        }
         return *this;
     }
     Hasher& add(double value) {
@@ -28,7 +34,7 @@ public:
     Hasher& add(Date value) { return add(value.seconds); }
     template <class T>
     Hasher& add(const std::optional<T>& value) {
-        mix(value.has_value());
+        mix(value.has_value() ? 1 : 0x5bd1e995U);
         if (value) add(*value);
         return *this;
     }
@@ -47,34 +53,28 @@ public:
     std::size_t value() const { return state_; }
 
 private:
+    // The 64-bit golden-ratio mix of boost::hash_combine.
     void mix(std::size_t h) { state_ ^= h + 0x9e3779b97f4a7c15ULL + (state_ << 6) + (state_ >> 2); }
     std::size_t state_ = 0;
 };
 
-std::size_t hashValue(const WidgetUsageWindow& v);
-std::size_t hashValue(const WidgetMeter& v);
-std::size_t hashValue(const WidgetDailyValue& v);
-std::size_t hashValue(const SparklinePoint& v);
-std::size_t hashValue(const WidgetToolSnapshot& v);
-std::size_t hashValue(const WidgetUsageCard& v);
-std::size_t hashValue(const WidgetDailyEntry& v);
-std::size_t hashValue(const WidgetTokenSummary& v);
-std::size_t hashValue(const WidgetDashboard& v);
+// Hashes every argument in order.
+template <class... Values>
+std::size_t hashOf(const Values&... values) {
+    Hasher hasher;
+    (hasher.add(values), ...);
+    return hasher.value();
+}
+
+template <FieldRecord T>
+std::size_t hashValue(const T& record) {
+    return Hasher().add(record).value();
+}
 
 }  // namespace mw
 
-#define MW_STD_HASH(Type) \
-    template <>           \
-    struct std::hash<mw::Type> { \
-        std::size_t operator()(const mw::Type& v) const { return mw::hashValue(v); } \
-    }
-MW_STD_HASH(WidgetUsageWindow);
-MW_STD_HASH(WidgetMeter);
-MW_STD_HASH(WidgetDailyValue);
-MW_STD_HASH(SparklinePoint);
-MW_STD_HASH(WidgetToolSnapshot);
-MW_STD_HASH(WidgetUsageCard);
-MW_STD_HASH(WidgetDailyEntry);
-MW_STD_HASH(WidgetTokenSummary);
-MW_STD_HASH(WidgetDashboard);
-#undef MW_STD_HASH
+// Every record with a field list is hashable in the standard containers.
+template <mw::FieldRecord T>
+struct std::hash<T> {
+    std::size_t operator()(const T& record) const noexcept { return mw::hashValue(record); }
+};

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "payload/fields.hpp"
 #include "platform/date.hpp"
 
 namespace mw {
@@ -19,6 +20,17 @@ struct WidgetUsageWindow {
     std::optional<double> durationSeconds;
     bool operator==(const WidgetUsageWindow&) const = default;
 };
+
+template <class Visit, RecordOf<WidgetUsageWindow> R>
+constexpr void fields(Visit&& visit, R& r) {
+    visit("id", r.id);
+    visit("label", r.label);
+    visit("usedPercent", r.usedPercent);
+    visit("resetAt", r.resetAt);
+    visit("durationSeconds", r.durationSeconds);
+}
+template <>
+inline constexpr std::string_view kRecordName<WidgetUsageWindow> = "WidgetUsageWindow";
 
 struct WidgetMeter {
     std::string id;
@@ -33,6 +45,21 @@ struct WidgetMeter {
     bool operator==(const WidgetMeter&) const = default;
 };
 
+template <class Visit, RecordOf<WidgetMeter> R>
+constexpr void fields(Visit&& visit, R& r) {
+    visit("id", r.id);
+    visit("label", r.label);
+    visit("kind", r.kind);
+    visit("valueText", r.valueText);
+    visit("percent", r.percent);
+    visit("resetAt", r.resetAt);
+    visit("isHeadline", r.isHeadline);
+    visit("regenerates", r.regenerates);
+    visit("note", r.note);
+}
+template <>
+inline constexpr std::string_view kRecordName<WidgetMeter> = "WidgetMeter";
+
 struct WidgetDailyValue {
     std::string day;
     double spendUSD = 0;
@@ -41,11 +68,29 @@ struct WidgetDailyValue {
     bool operator==(const WidgetDailyValue&) const = default;
 };
 
+template <class Visit, RecordOf<WidgetDailyValue> R>
+constexpr void fields(Visit&& visit, R& r) {
+    visit("day", r.day);
+    visit("spendUSD", r.spendUSD);
+    visit("requests", r.requests);
+    visit("tokens", r.tokens);
+}
+template <>
+inline constexpr std::string_view kRecordName<WidgetDailyValue> = "WidgetDailyValue";
+
 struct SparklinePoint {
     Date t;
     double v = 0;
     bool operator==(const SparklinePoint&) const = default;
 };
+
+template <class Visit, RecordOf<SparklinePoint> R>
+constexpr void fields(Visit&& visit, R& r) {
+    visit("t", r.t);
+    visit("v", r.v);
+}
+template <>
+inline constexpr std::string_view kRecordName<SparklinePoint> = "SparklinePoint";
 
 struct WidgetToolSnapshot {
     std::string toolID;
@@ -69,6 +114,30 @@ struct WidgetToolSnapshot {
     bool operator==(const WidgetToolSnapshot&) const = default;
 };
 
+template <class Visit, RecordOf<WidgetToolSnapshot> R>
+constexpr void fields(Visit&& visit, R& r) {
+    visit("toolID", r.toolID);
+    visit("accountSlug", r.accountSlug);
+    visit("displayName", r.displayName);
+    visit("compactLabel", r.compactLabel);
+    visit("isConnected", r.isConnected);
+    visit("usagePercent", r.usagePercent);
+    visit("isUnderRate", r.isUnderRate);
+    visit("resetAt", r.resetAt);
+    visit("dangerLevel", r.dangerLevel);
+    visit("menuBarText", r.menuBarText);
+    visit("menuBarDelta", r.menuBarDelta);
+    visit("brandHex", r.brandHex);
+    visit("forecastLabel", r.forecastLabel);
+    visit("hasQuotaHeadline", r.hasQuotaHeadline);
+    visit("rankPercent", r.rankPercent);
+    visit("windows", r.windows);
+    visit("meters", r.meters);
+    visit("dailyValues", r.dailyValues);
+}
+template <>
+inline constexpr std::string_view kRecordName<WidgetToolSnapshot> = "WidgetToolSnapshot";
+
 struct WidgetUsageCard {
     std::string title;
     std::string icon;  // a symbol name
@@ -83,6 +152,22 @@ struct WidgetUsageCard {
     bool operator==(const WidgetUsageCard&) const = default;
 };
 
+template <class Visit, RecordOf<WidgetUsageCard> R>
+constexpr void fields(Visit&& visit, R& r) {
+    visit("title", r.title);
+    visit("icon", r.icon);
+    visit("usedPercent", r.usedPercent);
+    visit("resetText", r.resetText);
+    visit("rateDeltaText", r.rateDeltaText);
+    visit("overRate", r.overRate);
+    visit("burnRateETA", r.burnRateETA);
+    visit("dangerLevel", r.dangerLevel);
+    visit("isIdle", r.isIdle);
+    visit("resetAt", r.resetAt);
+}
+template <>
+inline constexpr std::string_view kRecordName<WidgetUsageCard> = "WidgetUsageCard";
+
 struct WidgetDailyEntry {
     std::string date;  // the day as text, not an ISO date
     double peakPercent = 0;
@@ -90,6 +175,16 @@ struct WidgetDailyEntry {
     double totalUsage = 0;
     bool operator==(const WidgetDailyEntry&) const = default;
 };
+
+template <class Visit, RecordOf<WidgetDailyEntry> R>
+constexpr void fields(Visit&& visit, R& r) {
+    visit("date", r.date);
+    visit("peakPercent", r.peakPercent);
+    visit("sessionCount", r.sessionCount);
+    visit("totalUsage", r.totalUsage);
+}
+template <>
+inline constexpr std::string_view kRecordName<WidgetDailyEntry> = "WidgetDailyEntry";
 
 struct WidgetTokenSummary {
     std::int64_t todayInput = 0;
@@ -105,6 +200,22 @@ struct WidgetTokenSummary {
     bool operator==(const WidgetTokenSummary&) const = default;
 };
 
+template <class Visit, RecordOf<WidgetTokenSummary> R>
+constexpr void fields(Visit&& visit, R& r) {
+    visit("todayInput", r.todayInput);
+    visit("todayOutput", r.todayOutput);
+    visit("todayCache", r.todayCache);
+    visit("todayCost", r.todayCost);
+    visit("monthInput", r.monthInput);
+    visit("monthOutput", r.monthOutput);
+    visit("monthCache", r.monthCache);
+    visit("monthCost", r.monthCost);
+    visit("model", r.model);
+    visit("modelBreakdown", r.modelBreakdown);
+}
+template <>
+inline constexpr std::string_view kRecordName<WidgetTokenSummary> = "WidgetTokenSummary";
+
 struct WidgetDashboard {
     std::string subscriptionType;
     std::vector<WidgetUsageCard> cards;
@@ -118,6 +229,21 @@ struct WidgetDashboard {
     bool operator==(const WidgetDashboard&) const = default;
 };
 
+template <class Visit, RecordOf<WidgetDashboard> R>
+constexpr void fields(Visit&& visit, R& r) {
+    visit("subscriptionType", r.subscriptionType);
+    visit("cards", r.cards);
+    visit("daily", r.daily);
+    visit("tokens", r.tokens);
+    visit("lastUpdated", r.lastUpdated);
+    visit("nextRefreshAt", r.nextRefreshAt);
+    visit("lastActivityAt", r.lastActivityAt);
+    visit("isRateLimited", r.isRateLimited);
+    visit("relayedFrom", r.relayedFrom);
+}
+template <>
+inline constexpr std::string_view kRecordName<WidgetDashboard> = "WidgetDashboard";
+
 struct WidgetPayload {
     Date updatedAt = kDistantPast;
     std::vector<WidgetToolSnapshot> tools;
@@ -128,6 +254,19 @@ struct WidgetPayload {
     bool showRemaining = false;
     bool operator==(const WidgetPayload&) const = default;
 };
+
+template <class Visit, RecordOf<WidgetPayload> R>
+constexpr void fields(Visit&& visit, R& r) {
+    visit("updatedAt", r.updatedAt);
+    visit("tools", r.tools);
+    visit("sparklines", r.sparklines);
+    visit("primarySparklineToolID", r.primarySparklineToolID);
+    visit("enabledToolIDs", r.enabledToolIDs);
+    visit("dashboards", r.dashboards);
+    visit("showRemaining", r.showRemaining);
+}
+template <>
+inline constexpr std::string_view kRecordName<WidgetPayload> = "WidgetPayload";
 
 // The payload every failed load and every placeholder carries; made once.
 const WidgetPayload& emptyPayload();

@@ -2,6 +2,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "payload/records.hpp"
@@ -31,6 +32,14 @@ struct LoadResult {
 // kPayloadMaxBytes is read, opened without blocking: a FIFO, a device or a
 // directory is `unreadable` at once, never a hang.
 namespace WidgetStore {
+
+// The bytes of a payload file as `load` reads them, or the status that
+// stopped the read (missing, unreadable).
+struct PayloadFile {
+    std::string bytes;
+    ReadStatus status = ReadStatus::ok;
+};
+PayloadFile readFile(const std::filesystem::path& file);
 
 // Looks the container up from the process environment.
 LoadResult load();

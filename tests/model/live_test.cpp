@@ -1,6 +1,7 @@
 #include "model/live.hpp"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <functional>
 #include <set>

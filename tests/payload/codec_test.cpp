@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include "payload/hash.hpp"
 #include "payload/sample.hpp"
@@ -55,31 +56,69 @@ TEST(DecodePayload, ABadNestedRecordEmptiesOnlyItsRootKey) {
     struct Case {
         const char* name;
         std::function<void(nlohmann::json&)> breakIt;
+        const char* pointer;  // the innermost value that failed, as readPayload names it
+        const char* reason;   // a piece of the reason it gives
     };
     const Case cases[] = {
-        {"missing required key", [](auto& s) { s.erase("brandHex"); }},
-        {"required null", [](auto& s) { s["brandHex"] = nullptr; }},
-        {"string for a bool", [](auto& s) { s["isConnected"] = "true"; }},
-        {"number for a bool", [](auto& s) { s["isConnected"] = 1; }},
-        {"bool for a double", [](auto& s) { s["usagePercent"] = true; }},
-        {"fractional int", [](auto& s) { s["dangerLevel"] = 1.5; }},
-        {"int beyond 64 bits", [](auto& s) { s["dangerLevel"] = 1e30; }},
-        {"optional of wrong type", [](auto& s) { s["accountSlug"] = 7; }},
-        {"date with fraction", [](auto& s) { s["resetAt"] = "2025-01-31T14:05:00.123Z"; }},
-        {"date without zone", [](auto& s) { s["resetAt"] = "2025-01-31T14:05:00"; }},
-        {"bad window", [](auto& s) { s["windows"] = {{{"id", "w"}, {"label", "5h"}}}; }},
-        {"windows not an array", [](auto& s) { s["windows"] = {{"id", "w"}}; }},
+        {"missing required key", [](auto& s) { s.erase("brandHex"); }, "/tools/0/brandHex", "missing required key"},
+        {"required null", [](auto& s) { s["brandHex"] = nullptr; }, "/tools/0/brandHex", "found null"},
+        {"string for a bool", [](auto& s) { s["isConnected"] = "true"; }, "/tools/0/isConnected", "expected a boolean"},
+        {"number for a bool", [](auto& s) { s["isConnected"] = 1; }, "/tools/0/isConnected", "found an integer"},
+        {"bool for a double", [](auto& s) { s["usagePercent"] = true; }, "/tools/0/usagePercent", "expected a number"},
+        {"fractional int", [](auto& s) { s["dangerLevel"] = 1.5; }, "/tools/0/dangerLevel", "64-bit integer"},
+        {"int beyond 64 bits", [](auto& s) { s["dangerLevel"] = 1e30; }, "/tools/0/dangerLevel", "64-bit integer"},
+        {"optional of wrong type", [](auto& s) { s["accountSlug"] = 7; }, "/tools/0/accountSlug", "expected a string"},
+        {"date with fraction", [](auto& s) { s["resetAt"] = "2025-01-31T14:05:00.123Z"; }, "/tools/0/resetAt",
+         "not accepted"},
+        {"date without zone", [](auto& s) { s["resetAt"] = "2025-01-31T14:05:00"; }, "/tools/0/resetAt",
+         "not accepted"},
+        {"bad window", [](auto& s) { s["windows"] = {{{"id", "w"}, {"label", "5h"}}}; }, "/tools/0/windows/0/usedPercent",
+         "missing required key"},
+        {"windows not an array", [](auto& s) { s["windows"] = {{"id", "w"}}; }, "/tools/0/windows", "expected an array"},
     };
     for (const auto& c : cases) {
         auto tool = snapshotJSON();
         c.breakIt(tool);
-        const auto payload = decode(rootWith(tool));
+        const auto document = rootWith(tool);
+        const auto payload = decode(document);
         ASSERT_TRUE(payload) << c.name;
         EXPECT_TRUE(payload->tools.empty()) << c.name;
         EXPECT_EQ(payload->enabledToolIDs, std::vector<std::string>{"claude"}) << c.name;
         EXPECT_TRUE(payload->showRemaining) << c.name;
         EXPECT_EQ(payload->sparklines.size(), 1u) << c.name;
+
+        const auto reading = readPayload(document.dump());
+        EXPECT_EQ(reading.payload, payload) << c.name;
+        ASSERT_EQ(reading.problems.size(), 2u) << c.name;  // and the missing `dashboards`
+        EXPECT_EQ(reading.problems[0].pointer, c.pointer) << c.name;
+        EXPECT_NE(reading.problems[0].reason.find(c.reason), std::string::npos) << c.name << ": "
+                                                                               << reading.problems[0].reason;
+        EXPECT_NE(reading.problems[0].effect.find("`tools` array is dropped"), std::string::npos) << c.name;
+        EXPECT_EQ(reading.problems[1].pointer, "/dashboards") << c.name;
     }
+}
+
+// Keys that hold names: the pointer escapes "~" and "/" (RFC 6901).
+TEST(ReadPayload, PointersEscapeObjectKeys) {
+    auto document = rootWith(snapshotJSON());
+    document["dashboards"] = nlohmann::json::object();
+    document["sparklines"] = {{"a/b~c", {{{"t", "2025-01-31T14:00:00Z"}, {"v", "1"}}}}};
+    const auto reading = readPayload(document.dump());
+    ASSERT_EQ(reading.problems.size(), 1u);
+    EXPECT_EQ(reading.problems[0].pointer, "/sparklines/a~1b~0c/0/v");
+}
+
+TEST(ReadPayload, DocumentsThatAreRefusedWhole) {
+    for (const char* bytes : {"[]", "\"text\"", "", "{\"a\":}"}) {
+        const auto reading = readPayload(bytes);
+        EXPECT_FALSE(reading.payload) << bytes;
+        ASSERT_EQ(reading.problems.size(), 1u) << bytes;
+        EXPECT_EQ(reading.problems[0].pointer, "") << bytes;
+        EXPECT_NE(reading.problems[0].effect.find("decodeFailed"), std::string::npos) << bytes;
+    }
+    EXPECT_NE(readPayload("{\"a\":}").problems[0].reason.find("not JSON: parse error at line 1"), std::string::npos);
+    const std::string deep = "{\"x\":" + std::string(600, '[') + std::string(600, ']') + "}";
+    EXPECT_NE(readPayload(deep).problems[0].reason.find("nested deeper"), std::string::npos);
 }
 
 TEST(DecodePayload, LenientOptionalsAndNumbers) {
@@ -111,6 +150,24 @@ TEST(DecodePayload, EachRootKeyFallsBackAlone) {
                                  {"extra", true}});
     ASSERT_TRUE(payload);
     EXPECT_EQ(*payload, emptyPayload());
+}
+
+// A missing root key falls back like a failing one and is named too, except
+// the optional primarySparklineToolID, whose default is its absence.
+TEST(ReadPayload, NamesEveryRootKeyThatFellBack) {
+    const auto pointersOf = [](const std::string& bytes) {
+        std::vector<std::string> pointers;
+        for (const auto& problem : readPayload(bytes).problems) pointers.push_back(problem.pointer);
+        return pointers;
+    };
+    EXPECT_EQ(pointersOf("{}"), (std::vector<std::string>{"/updatedAt", "/tools", "/sparklines", "/enabledToolIDs",
+                                                           "/dashboards", "/showRemaining"}));
+    EXPECT_EQ(pointersOf(R"({"updatedAt":"2025-01-31T14:05:00.5Z","tools":[],"sparklines":{"c":[{"t":"bad","v":1}]},
+        "primarySparklineToolID":3,"enabledToolIDs":["a",2],"dashboards":{},"showRemaining":null})"),
+              (std::vector<std::string>{"/updatedAt", "/sparklines/c/0/t", "/primarySparklineToolID",
+                                        "/enabledToolIDs/1", "/showRemaining"}));
+    const auto sample = encodePayload(samplePayload(*parseISO8601("2026-11-22T10:00:00Z")));
+    EXPECT_TRUE(readPayload(sample).problems.empty());
 }
 
 TEST(DecodePayload, RefusesAbsurdNestingAndInvalidText) {
