@@ -26,6 +26,11 @@ struct UsageError : std::runtime_error {
 
 inline constexpr int kUsageExitStatus = 2;
 
+// A command that ran to the end but reports its finding by the exit status.
+struct ExitStatus {
+    int code = 0;
+};
+
 // Options that come before the command.
 struct GlobalOptions {
     std::string container;  // --container DIR (overrides the environment)
@@ -70,5 +75,6 @@ void registerWidgetCommands(CLI::App& app, const GlobalOptions& options);  // ki
 void registerChoiceCommands(CLI::App& app, const GlobalOptions& options);  // choices, lookup
 void registerRenderCommands(CLI::App& app, const GlobalOptions& options);  // render, describe, gallery, demo
 void registerPlaceCommands(CLI::App& app, const GlobalOptions& options);   // place, list, edit, remove, reload
+void registerCheckCommands(CLI::App& app, const GlobalOptions& options);   // check, schema
 
 }  // namespace mw::cli

@@ -63,6 +63,8 @@ int runCommandLine(int argc, char** argv, std::initializer_list<CommandRegistrar
         }
         const int status = app.exit(error);
         return status == 0 ? 0 : kUsageExitStatus;
+    } catch (const ExitStatus& status) {
+        return status.code;
     } catch (const UsageError& error) {
         say(error.what());
         return kUsageExitStatus;

@@ -14,6 +14,7 @@ MW_PACKAGES=(
   xvfb xauth xdotool dbus-daemon dbus-x11 conky-std libx11-dev
   openbox sway grim mutter xwayland x11-utils imagemagick libwayland-dev libwayland-bin
   clang libclang-rt-14-dev
+  python3-jsonschema
 )
 
 mw_install_missing() {

@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <map>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -153,7 +154,7 @@ TEST(Cli, CommandsThatDrawNothingLoadNoDrawingLibrary) {
     testing::writePayload(container, testing::payloadOf({testing::tool("claude", 30)}));
     const std::string environment = "XDG_CONFIG_HOME='" + config.path().string() + "' LD_DEBUG=libs ";
     for (const char* command : {"kinds", "placeholder focus", "snapshot accounts", "timeline dashboard",
-                                "choices provider", "lookup tool claude", "list"}) {
+                                "choices provider", "lookup tool claude", "list", "check", "schema"}) {
         const TempDir io;
         const std::string line = environment + "'" MW_CLI_PATH "' " + in(container) + command + " >/dev/null 2>'" +
                                  (io / "trace").string() + "'";
@@ -183,6 +184,55 @@ TEST(Cli, DrawingCommandsAnswerUnderTheSameName) {
     const auto overview = run("--help");
     for (const char* command : {"timeline", "render", "gallery"})
         EXPECT_NE(overview.out.find(command), std::string::npos) << command;
+}
+
+// check: the account list explained, and the exit status a script can test.
+TEST(Cli, CheckExplainsLeftOutToolsAndExitsByWhatItFound) {
+    const TempDir container;
+    auto work = testing::tool("claude", 30, "work");
+    auto idle = testing::tool("codex", 0);
+    idle.isConnected = false;
+    auto payload = testing::payloadOf({testing::tool("claude"), work, idle, testing::tool("gemini")});
+    payload.enabledToolIDs = {"claude", "codex", "cursor"};
+    testing::writePayload(container, payload);
+
+    const auto fine = run(in(container) + "check --json");
+    EXPECT_EQ(fine.status, 0) << fine.err;
+    const auto report = nlohmann::json::parse(fine.out, nullptr, false);
+    EXPECT_EQ(report["readStatus"], "ok");
+    EXPECT_EQ(report["problems"], nlohmann::json::array());
+    EXPECT_EQ(report["enabled"], nlohmann::json::parse(R"(["claude","codex"])"));
+    EXPECT_EQ(report["accounts"], nlohmann::json::parse(R"(["claude"])"));
+    std::map<std::string, std::string> leftOut;
+    for (const auto& tool : report["leftOut"]) leftOut[tool["key"]] = tool["reason"];
+    ASSERT_EQ(leftOut.size(), 4u) << report.dump();
+    EXPECT_NE(leftOut["claude:work"].find("lists only \"claude\""), std::string::npos);
+    EXPECT_NE(leftOut["codex"].find("disconnected"), std::string::npos);
+    EXPECT_NE(leftOut["gemini"].find("not listed"), std::string::npos);
+    EXPECT_NE(leftOut["cursor"].find("no tool has this key"), std::string::npos);
+
+    container.write("broken.json", R"({"updatedAt":"2025-01-31T14:05:00Z","tools":[{"toolID":"claude"}]})");
+    const auto broken = run("check '" + (container / "broken.json").string() + "'");
+    EXPECT_EQ(broken.status, 1);
+    EXPECT_NE(broken.out.find("/tools/0/displayName: missing required key"), std::string::npos) << broken.out;
+
+    struct Case {
+        std::string arguments;
+        int status;
+        const char* readStatus;
+    };
+    const Case cases[] = {
+        {"check --json", 1, "noContainer"},
+        {"check --json " + (container / "absent.json").string(), 1, "missing"},
+        {"check --json " + container.path().string(), 1, "unreadable"},
+    };
+    for (const auto& c : cases) {
+        const auto result = run(c.arguments);
+        EXPECT_EQ(result.status, c.status) << c.arguments;
+        EXPECT_EQ(nlohmann::json::parse(result.out, nullptr, false)["readStatus"], c.readStatus) << c.arguments;
+    }
+    EXPECT_EQ(run("check a.json b.json").status, 2);
+    EXPECT_EQ(run("check --json --bogus").status, 2);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "payload/codec.hpp"
 
 #include <algorithm>
+#include <tuple>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -206,6 +207,35 @@ TEST(EncodePayload, OmitsAbsentOptionals) {
         EXPECT_FALSE(tool.contains(key)) << key;
     EXPECT_FALSE(j.contains("primarySparklineToolID"));
     EXPECT_EQ(j["updatedAt"], "0001-01-01T00:00:00Z");
+}
+
+// Converts to any member type, so `T{AnyMember{}, …}` finds how many members
+// an aggregate has.
+struct AnyMember {
+    template <class T>
+    operator T() const;
+};
+
+template <class T, class... Given>
+constexpr std::size_t memberCount() {
+    if constexpr (requires { T{Given{}..., AnyMember{}}; })
+        return memberCount<T, Given..., AnyMember>();
+    else
+        return sizeof...(Given);
+}
+
+template <class Record>
+void expectEveryMemberListed() {
+    EXPECT_EQ(fieldCount<Record>(), memberCount<Record>()) << kRecordName<Record>;
+}
+
+// A member added to a record but not to its field list would be neither
+// written, read, hashed nor in the schema.
+TEST(FieldLists, NameEveryMember) {
+    []<class... Records>(std::tuple<Records...>*) { (expectEveryMemberListed<Records>(), ...); }(
+        static_cast<std::tuple<WidgetUsageWindow, WidgetMeter, WidgetDailyValue, SparklinePoint, WidgetToolSnapshot,
+                               WidgetUsageCard, WidgetDailyEntry, WidgetTokenSummary, WidgetDashboard, WidgetPayload>*>(
+            nullptr));
 }
 
 TEST(EnabledTools, MatchesFullToolKeysInPayloadOrder) {
