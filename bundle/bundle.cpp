@@ -7,7 +7,7 @@
 #include "platform/url.hpp"
 #include "widgets/accounts/content.hpp"
 #include "widgets/dashboard/content.hpp"
-#include "widgets/focus/content.hpp"
+#include "timeline/focus_content.hpp"
 #include "widgets/limit/content.hpp"
 #include "widgets/sparkline/content.hpp"
 

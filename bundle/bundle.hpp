@@ -15,7 +15,7 @@
 #include "config/intents.hpp"
 #include "timeline/entries.hpp"
 #include "timeline/providers.hpp"
-#include "widgets/chrome/empty_state.hpp"
+#include "timeline/empty_state.hpp"
 
 namespace mw {
 

@@ -1,8 +1,8 @@
-#include "widgets/focus/content.hpp"
+#include "timeline/focus_content.hpp"
 
 #include <algorithm>
 
-#include "widgets/chrome/panels.hpp"
+#include "timeline/panels.hpp"
 
 namespace mw {
 

@@ -1,4 +1,4 @@
-#include "widgets/chrome/panels.hpp"
+#include "timeline/panels.hpp"
 
 #include "timeline/policy.hpp"
 

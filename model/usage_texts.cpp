@@ -1,4 +1,4 @@
-#include "widgets/focus/texts.hpp"
+#include "model/usage_texts.hpp"
 
 #include <algorithm>
 #include <cmath>
