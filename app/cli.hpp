@@ -76,5 +76,6 @@ void registerChoiceCommands(CLI::App& app, const GlobalOptions& options);  // ch
 void registerRenderCommands(CLI::App& app, const GlobalOptions& options);  // render, describe, gallery, demo
 void registerPlaceCommands(CLI::App& app, const GlobalOptions& options);   // place, list, edit, remove, reload
 void registerCheckCommands(CLI::App& app, const GlobalOptions& options);   // check, schema
+void registerBarCommand(CLI::App& app, const GlobalOptions& options);      // bar
 
 }  // namespace mw::cli

@@ -11,6 +11,6 @@ int main(int argc, char** argv) {
     using namespace mw::cli;
     if (const auto word = commandWord(argc, argv); word && isDrawingCommand(*word)) return handOffToDrawing(argv);
     return runCommandLine(argc, argv,
-                          {registerWidgetCommands, registerChoiceCommands, registerPlaceCommands,
+                          {registerWidgetCommands, registerChoiceCommands, registerPlaceCommands, registerBarCommand,
                            registerDrawingCommandNames, registerCheckCommands});
 }

@@ -18,20 +18,22 @@ ContainerEnvironment ContainerEnvironment::fromProcess() {
     return {variable("METERWICK_CONTAINER"), variable("XDG_DATA_HOME"), variable("HOME")};
 }
 
+ContainerLocation containerLocation(const ContainerEnvironment& env) {
+    if (env.container) return {std::filesystem::path(*env.container), ContainerSource::variable};
+    if (env.dataHome)
+        return {std::filesystem::path(*env.dataHome) / "meterwick" / kAppGroupIdentifier, ContainerSource::dataHome};
+    if (env.home)
+        return {std::filesystem::path(*env.home) / ".local" / "share" / "meterwick" / kAppGroupIdentifier,
+                ContainerSource::home};
+    return {std::nullopt, ContainerSource::none};
+}
+
 std::optional<std::filesystem::path> containerDirectory(const ContainerEnvironment& env) {
-    std::filesystem::path dir;
-    if (env.container) {
-        dir = *env.container;
-    } else if (env.dataHome) {
-        dir = std::filesystem::path(*env.dataHome) / "meterwick" / kAppGroupIdentifier;
-    } else if (env.home) {
-        dir = std::filesystem::path(*env.home) / ".local" / "share" / "meterwick" / kAppGroupIdentifier;
-    } else {
-        return std::nullopt;
-    }
+    const auto location = containerLocation(env);
+    if (!location.path) return std::nullopt;
     std::error_code ec;
-    if (!std::filesystem::is_directory(dir, ec)) return std::nullopt;
-    return dir;
+    if (!std::filesystem::is_directory(*location.path, ec)) return std::nullopt;
+    return location.path;
 }
 
 std::optional<std::filesystem::path> containerDirectory() {

@@ -18,6 +18,18 @@ struct ContainerEnvironment {
     bool operator==(const ContainerEnvironment&) const = default;
 };
 
+// Which setting named the container directory.
+enum class ContainerSource { variable, dataHome, home, none };
+
+// Where the container would be, whether or not it exists yet: the variable,
+// else under XDG_DATA_HOME, else under HOME; nothing when none is set.
+struct ContainerLocation {
+    std::optional<std::filesystem::path> path;
+    ContainerSource source = ContainerSource::none;
+    bool operator==(const ContainerLocation&) const = default;
+};
+ContainerLocation containerLocation(const ContainerEnvironment& env);
+
 // The directory shared with the application, or nothing when it does not
 // exist (or no variable says where it would be).
 std::optional<std::filesystem::path> containerDirectory(const ContainerEnvironment& env);
