@@ -77,5 +77,6 @@ void registerRenderCommands(CLI::App& app, const GlobalOptions& options);  // re
 void registerPlaceCommands(CLI::App& app, const GlobalOptions& options);   // place, list, edit, remove, reload
 void registerCheckCommands(CLI::App& app, const GlobalOptions& options);   // check, schema
 void registerBarCommand(CLI::App& app, const GlobalOptions& options);      // bar
+void registerDoctorCommand(CLI::App& app, const GlobalOptions& options);   // doctor
 
 }  // namespace mw::cli

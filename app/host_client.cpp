@@ -76,8 +76,9 @@ std::string messageOf(const Gio& g, GError* error) {
     return message;
 }
 
-// Calls METHOD, with KIND as its one argument when given.
-HostCall callHost(const char* method, const std::optional<std::string>& kind) {
+// Calls METHOD, with KIND as its one argument when given; the reply goes to
+// REPLY_OUT (the caller unrefs it) when asked for.
+HostCall callHost(const char* method, const std::optional<std::string>& kind, GVariant** replyOut = nullptr) {
     const auto address = sessionBusAddress();
     if (!address) return {HostCallResult::noHost, "no Meterwick widget host is running (there is no session bus)"};
     const Gio* g = gio();
@@ -99,7 +100,10 @@ HostCall callHost(const char* method, const std::optional<std::string>& kind) {
                               G_DBUS_CALL_FLAGS_NO_AUTO_START, kCallTimeoutMilliseconds, nullptr, &error);
     HostCall result{HostCallResult::done, {}};
     if (reply != nullptr) {
-        g->variantUnref(reply);
+        if (replyOut != nullptr)
+            *replyOut = reply;
+        else
+            g->variantUnref(reply);
     } else {
         const bool noHost = error != nullptr && error->domain == g->dbusErrorQuark() &&
                             (error->code == G_DBUS_ERROR_SERVICE_UNKNOWN || error->code == G_DBUS_ERROR_NAME_HAS_NO_OWNER);
@@ -112,7 +116,156 @@ HostCall callHost(const char* method, const std::optional<std::string>& kind) {
     return result;
 }
 
+// What doctor reads besides calls to the host: replies taken apart, the
+// settings portal and the link handler. Looked up once, like the above.
+struct GioReading {
+    decltype(&g_variant_get_child_value) child = nullptr;
+    decltype(&g_variant_n_children) count = nullptr;
+    decltype(&g_variant_get_type_string) type = nullptr;
+    decltype(&g_variant_get_string) string = nullptr;
+    decltype(&g_variant_get_variant) unbox = nullptr;
+    decltype(&g_variant_get_uint32) uint32 = nullptr;
+    decltype(&g_variant_print) print = nullptr;
+    decltype(&g_free) free = nullptr;
+    decltype(&g_app_info_get_default_for_uri_scheme) uriHandler = nullptr;
+    decltype(&g_app_info_get_id) appID = nullptr;
+
+    bool complete() const {
+        return child && count && type && string && unbox && uint32 && print && free && uriHandler && appID;
+    }
+};
+
+const GioReading* gioReading() {
+    static const GioReading loaded = [] {
+        GioReading g;
+        void* library = dlopen("libgio-2.0.so.0", RTLD_NOW | RTLD_LOCAL);
+        if (library == nullptr) return g;
+        lookUp(library, "g_variant_get_child_value", g.child);
+        lookUp(library, "g_variant_n_children", g.count);
+        lookUp(library, "g_variant_get_type_string", g.type);
+        lookUp(library, "g_variant_get_string", g.string);
+        lookUp(library, "g_variant_get_variant", g.unbox);
+        lookUp(library, "g_variant_get_uint32", g.uint32);
+        lookUp(library, "g_variant_print", g.print);
+        lookUp(library, "g_free", g.free);
+        lookUp(library, "g_app_info_get_default_for_uri_scheme", g.uriHandler);
+        lookUp(library, "g_app_info_get_id", g.appID);
+        return g;
+    }();
+    return loaded.complete() && gio() != nullptr ? &loaded : nullptr;
+}
+
+// A value as text: strings without quotes, variants unboxed.
+std::string printed(const GioReading& r, GVariant* value) {
+    const std::string type = r.type(value);
+    if (type == "s") return r.string(value, nullptr);
+    if (type == "v") {
+        GVariant* inner = r.unbox(value);
+        std::string text = printed(r, inner);
+        gio()->variantUnref(inner);
+        return text;
+    }
+    gchar* text = r.print(value, FALSE);
+    std::string out = text;
+    r.free(text);
+    return out;
+}
+
 }  // namespace
+
+HostStatus hostStatus() {
+    GVariant* reply = nullptr;
+    HostStatus status{callHost("Status", std::nullopt, &reply), {}};
+    const GioReading* r = gioReading();
+    if (reply == nullptr) return status;
+    if (r != nullptr && std::string(r->type(reply)) == "(a{sv})") {
+        GVariant* dict = r->child(reply, 0);
+        for (gsize i = 0; i < r->count(dict); ++i) {
+            GVariant* entry = r->child(dict, i);
+            GVariant* key = r->child(entry, 0);
+            GVariant* value = r->child(entry, 1);
+            status.values[r->string(key, nullptr)] = printed(*r, value);
+            for (GVariant* v : {value, key, entry}) gio()->variantUnref(v);
+        }
+        gio()->variantUnref(dict);
+    }
+    gio()->variantUnref(reply);
+    return status;
+}
+
+bool sessionBusReachable() {
+    const auto address = sessionBusAddress();
+    const Gio* g = gio();
+    if (!address || g == nullptr) return false;
+    GError* error = nullptr;
+    GDBusConnection* connection = g->connect(
+        address->c_str(),
+        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
+        nullptr, nullptr, &error);
+    if (connection == nullptr) {
+        messageOf(*g, error);
+        return false;
+    }
+    g->close(connection, nullptr, nullptr);
+    g->objectUnref(connection);
+    return true;
+}
+
+std::optional<std::string> portalColorScheme() {
+    const auto address = sessionBusAddress();
+    const Gio* g = gio();
+    const GioReading* r = gioReading();
+    if (!address || r == nullptr) return std::nullopt;
+    GError* error = nullptr;
+    GDBusConnection* connection = g->connect(
+        address->c_str(),
+        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
+        nullptr, nullptr, &error);
+    if (connection == nullptr) {
+        messageOf(*g, error);
+        return std::nullopt;
+    }
+    GVariant* reply = g->call(connection, "org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop",
+                              "org.freedesktop.portal.Settings", "Read",
+                              g->variantNew("(ss)", "org.freedesktop.appearance", "color-scheme"), nullptr,
+                              G_DBUS_CALL_FLAGS_NONE, 3000, nullptr, &error);
+    std::optional<std::string> scheme;
+    if (reply != nullptr) {
+        // (v) holding v holding u, as Read has always answered.
+        GVariant* value = r->child(reply, 0);
+        while (std::string(r->type(value)) == "v") {
+            GVariant* inner = r->unbox(value);
+            g->variantUnref(value);
+            value = inner;
+        }
+        if (std::string(r->type(value)) == "u") {
+            const auto n = r->uint32(value);
+            scheme = n == 1 ? "dark" : n == 2 ? "light" : "no preference";
+        } else {
+            scheme = printed(*r, value);
+        }
+        g->variantUnref(value);
+        g->variantUnref(reply);
+    } else {
+        messageOf(*g, error);
+    }
+    g->close(connection, nullptr, nullptr);
+    g->objectUnref(connection);
+    return scheme;
+}
+
+std::optional<std::string> uriSchemeHandler(const std::string& scheme) {
+    const GioReading* r = gioReading();
+    if (r == nullptr) return std::nullopt;
+    GAppInfo* app = r->uriHandler(scheme.c_str());
+    if (app == nullptr) return std::nullopt;
+    const char* id = r->appID(app);
+    std::optional<std::string> out = id != nullptr ? std::optional<std::string>(id) : std::optional<std::string>("");
+    gio()->objectUnref(app);
+    return out;
+}
 
 HostCall reloadHostTimelines(const std::optional<std::string>& kind) {
     return kind ? callHost("ReloadTimelines", kind) : callHost("ReloadAllTimelines", std::nullopt);

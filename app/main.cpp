@@ -12,5 +12,5 @@ int main(int argc, char** argv) {
     if (const auto word = commandWord(argc, argv); word && isDrawingCommand(*word)) return handOffToDrawing(argv);
     return runCommandLine(argc, argv,
                           {registerWidgetCommands, registerChoiceCommands, registerPlaceCommands, registerBarCommand,
-                           registerDrawingCommandNames, registerCheckCommands});
+                           registerDoctorCommand, registerDrawingCommandNames, registerCheckCommands});
 }
