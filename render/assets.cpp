@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 namespace mw::render {
 
@@ -71,11 +72,22 @@ fs::path executableDirectory() {
 
 std::string assetDirectory() {
     if (const char* env = std::getenv("MW_ASSET_DIR"); env && *env && isDirectory(env)) return env;
-#ifdef MW_ASSET_DIR_SOURCE
-    if (isDirectory(MW_ASSET_DIR_SOURCE)) return MW_ASSET_DIR_SOURCE;
-#endif
+    // Beside the program: <prefix>/bin and <prefix>/libexec/meterwick-widgets
+    // both reach <prefix>/share; a build tree links its share/ to the sources.
     const fs::path exeDir = executableDirectory();
-    return (exeDir / ".." / "share" / "meterwick-widgets" / "assets").lexically_normal().string();
+    std::vector<fs::path> candidates{exeDir / ".." / "share", exeDir / ".." / ".." / "share"};
+    const char* dataDirs = std::getenv("XDG_DATA_DIRS");
+    std::string_view dirs = dataDirs && *dataDirs ? dataDirs : "/usr/local/share:/usr/share";
+    while (!dirs.empty()) {
+        const auto colon = dirs.find(':');
+        if (colon != 0) candidates.emplace_back(dirs.substr(0, colon));
+        dirs = colon == std::string_view::npos ? std::string_view() : dirs.substr(colon + 1);
+    }
+    for (const auto& share : candidates) {
+        const fs::path dir = (share / "meterwick-widgets" / "assets").lexically_normal();
+        if (isDirectory(dir)) return dir.string();
+    }
+    return (candidates.front() / "meterwick-widgets" / "assets").lexically_normal().string();
 }
 
 std::optional<std::string> assetPath(std::string_view name) {

@@ -7,9 +7,10 @@
 
 namespace mw::render {
 
-// The asset directory: $MW_ASSET_DIR when set and non-empty, else the source
-// tree's assets/ compiled in, else <directory of the executable>/../share/meterwick-widgets/assets.
-// The first that exists is taken; the last candidate is returned when none does.
+// The asset directory: $MW_ASSET_DIR when set and non-empty, else the first
+// meterwick-widgets/assets that exists under <program>/../share,
+// <program>/../../share and each of $XDG_DATA_DIRS (default
+// /usr/local/share:/usr/share). No path of the build machine is compiled in.
 std::string assetDirectory();
 
 // The full path of asset `name` ("AppIcon", "AppIcon.svg", "provider-claude");
