@@ -4,10 +4,41 @@
 
 #include <glib.h>
 
+#include <cstdio>
+#include <string_view>
+
 #include "app/host/display_route.hpp"
 #include "app/host/host_application.hpp"
+#include "platform/bundle_info.hpp"
+
+namespace {
+
+constexpr const char* kHelp =
+    "Usage: meterwick-widget-host [--help] [--version]\n"
+    "\n"
+    "Shows the widgets placed with `meterwick-widgets place` on the desktop and\n"
+    "keeps them current. One host runs per session; a second start hands over to\n"
+    "the first. It answers on the session bus as app.meterwick.WidgetHost.\n"
+    "\n"
+    "  -h, --help     Print this help and exit\n"
+    "  --version      Print the version and exit\n";
+
+// --help and --version answer before the toolkit starts, so they work
+// without a display (packaging checks run them headless).
+int answeredWithoutDisplay(int argc, char** argv) {
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view argument = argv[i];
+        if (argument == "--help" || argument == "-h") return std::fputs(kHelp, stdout) >= 0 ? 0 : 1;
+        if (argument == "--version") return std::printf("meterwick-widget-host %s\n", mw::projectVersion()) > 0 ? 0 : 1;
+    }
+    return -1;
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
+    if (const int status = answeredWithoutDisplay(argc, argv); status >= 0) return status;
+
     // Everything is drawn with Cairo into plain windows. Without this GDK
     // probes OpenGL on X11 to choose visuals, which maps a GL driver (with a
     // software rasterizer, tens of megabytes) into a process that never uses it.
