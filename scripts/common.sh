@@ -15,6 +15,7 @@ MW_PACKAGES=(
   openbox sway grim mutter xwayland x11-utils imagemagick libwayland-dev libwayland-bin
   clang libclang-rt-14-dev
   python3-jsonschema
+  scdoc lintian appstream desktop-file-utils systemd dpkg-dev fakeroot
 )
 
 mw_install_missing() {
