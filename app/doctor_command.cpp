@@ -125,9 +125,10 @@ std::optional<std::string> autostartEntry() {
 std::pair<UnitState, std::optional<std::string>> hostUnit() {
     const fs::path home = variable("HOME").value_or("/nonexistent");
     const fs::path dataHome = variable("XDG_DATA_HOME").value_or((home / ".local" / "share").string());
-    const std::vector<fs::path> dirs{configHome() / "systemd" / "user", "/etc/systemd/user",
-                                     dataHome / "systemd" / "user",    "/usr/local/lib/systemd/user",
-                                     "/usr/lib/systemd/user",          "/lib/systemd/user"};
+    std::vector<fs::path> dirs{configHome() / "systemd" / "user", "/etc/systemd/user", dataHome / "systemd" / "user"};
+    for (const auto& dir : splitDirs(variable("XDG_DATA_DIRS"), "/usr/local/share:/usr/share"))
+        dirs.push_back(dir / "systemd" / "user");
+    for (const char* dir : {"/usr/local/lib/systemd/user", "/usr/lib/systemd/user"}) dirs.emplace_back(dir);
     std::optional<std::string> installed;
     for (const auto& dir : dirs) {
         std::error_code ec;
