@@ -21,7 +21,7 @@ public:
     template <class T>
     Hasher& add(const T& value) {
         if constexpr (FieldRecord<T>) {
-            fields([this](const char*, const auto& member) { add(member); }, value);
+            fields([this](const char*, const auto& member) { this->add(member); }, value);
         } else {
             mix(std::hash<T>{}(value));
         }
