@@ -1,6 +1,7 @@
 #include <iostream>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "app/cli.hpp"
 #include "platform/bundle_info.hpp"
@@ -61,8 +62,13 @@ int runCommandLine(int argc, char** argv, std::initializer_list<CommandRegistrar
             say("unknown command \"" + *word + "\"; see meterwick-widgets --help for the commands");
             return kUsageExitStatus;
         }
-        const int status = app.exit(error);
-        return status == 0 ? 0 : kUsageExitStatus;
+        if (error.get_exit_code() == 0) return app.exit(error);  // --help and --version print and succeed
+        // CLI11 would add a second line of its own; one sentence says it all.
+        if (std::string_view(error.what()) == "A subcommand is required")
+            say("no command given; see " + app.get_name() + " --help for the commands");
+        else
+            say(std::string(error.what()) + "; see " + app.get_name() + " --help");
+        return kUsageExitStatus;
     } catch (const ExitStatus& status) {
         return status.code;
     } catch (const UsageError& error) {

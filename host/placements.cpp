@@ -77,6 +77,7 @@ int integerMember(const nlohmann::ordered_json& object, const char* key, const s
 
 constexpr std::array<std::string_view, 6> kWidgetMembers{"id", "kind", "family", "parameters", "position", "monitor"};
 constexpr std::array<std::string_view, 2> kDocumentMembers{"version", "widgets"};
+constexpr std::array<std::string_view, 2> kPositionMembers{"x", "y"};
 
 template <std::size_t N>
 nlohmann::ordered_json unknownMembers(const nlohmann::ordered_json& object,
@@ -113,6 +114,7 @@ PlacedWidget decodeWidget(const nlohmann::ordered_json& j, std::size_t index) {
     if (const auto it = j.find("position"); it != j.end() && !it->is_null()) {
         if (!it->is_object()) throw Fault{where + ": \"position\" must be an object"};
         widget.position = {integerMember(*it, "x", where), integerMember(*it, "y", where)};
+        widget.positionUnknown = unknownMembers(*it, kPositionMembers);
     }
     if (const auto it = j.find("monitor"); it != j.end() && !it->is_null())
         widget.monitor = stringMember(j, "monitor", where);
@@ -187,12 +189,14 @@ std::string_view rawValue(PlacementsStatus status) {
 nlohmann::ordered_json toJSON(const PlacedWidget& widget) {
     nlohmann::ordered_json parameters = nlohmann::ordered_json::object();
     for (const auto& [name, value] : widget.parameters) parameters[name] = value;
+    nlohmann::ordered_json position{{"x", widget.position.x}, {"y", widget.position.y}};
+    appendUnknown(position, widget.positionUnknown, kPositionMembers);
     nlohmann::ordered_json json{
         {"id", widget.id},
         {"kind", widget.kind},
         {"family", widget.family},
         {"parameters", std::move(parameters)},
-        {"position", {{"x", widget.position.x}, {"y", widget.position.y}}},
+        {"position", std::move(position)},
     };
     if (widget.monitor) json["monitor"] = *widget.monitor;
     appendUnknown(json, widget.unknown, kWidgetMembers);

@@ -54,6 +54,9 @@ struct PlacedWidget {
     // as they were and written back after the known ones. Null when none.
     nlohmann::ordered_json unknown{};
     std::optional<std::string> monitor = std::nullopt;  // its monitor's identity; none: the primary
+    // Members of "position" other than x and y, kept the same way; a move
+    // changes `position` and leaves these as they were.
+    nlohmann::ordered_json positionUnknown{};
     bool operator==(const PlacedWidget&) const = default;
 };
 

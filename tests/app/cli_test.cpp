@@ -3,6 +3,7 @@
 
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <map>
@@ -68,15 +69,18 @@ TEST(Cli, UsageErrorsExitWithStatusTwoAndSayWhy) {
         {"timeline focus --set \"$(printf 'tool=\\377')\"", "is not valid UTF-8"},
         {"frobnicate", "unknown command \"frobnicate\""},
         {"place \"$(printf '\\033[2J')\"", "unknown widget kind \"\\x1B[2J\""},
-        {"", ""},
-        {"choices everything", ""},
-        {"lookup tool", ""},
+        // What the command line parser itself refuses.
+        {"", "no command given"},
+        {"choices everything", "everything not in {tool,provider}"},
+        {"lookup tool", "ID is required"},
+        {"render focus --scale", "--scale: 1 required"},
     };
     for (const auto& c : cases) {
         const auto result = run(c.arguments);
         EXPECT_EQ(result.status, 2) << c.arguments;
         EXPECT_TRUE(result.out.empty()) << c.arguments;
         EXPECT_NE(result.err.find(c.message), std::string::npos) << c.arguments << ": " << result.err;
+        EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << c.arguments << ": one line, " << result.err;
         EXPECT_EQ(result.err.find('\x1b'), std::string::npos) << c.arguments << ": a raw escape reached the terminal";
     }
 }

@@ -288,7 +288,8 @@ TEST(PlacementsModify, WritesThroughALinkAndKeepsUnknownMembers) {
     const auto file = dir / "config" / "widgets.json";
     std::filesystem::create_symlink("../dotfiles/widgets.json", file);
     dir.write("dotfiles/widgets.json", R"({"version": 1, "theme": {"glass": 0.4}, "widgets": [
-        {"id": "focus-1", "kind": "MeterwickFocus", "family": "systemSmall", "monitor": "DP-1"}]})");
+        {"id": "focus-1", "kind": "MeterwickFocus", "family": "systemSmall", "monitor": "DP-1",
+         "pinned": true, "position": {"x": 1, "y": 2, "anchor": "bottom-right"}}]})");
 
     const auto edit = modifyPlacements(file, kNow, [](std::vector<PlacedWidget>& widgets) {
         widgets.front().position = {10, 20};
@@ -299,7 +300,9 @@ TEST(PlacementsModify, WritesThroughALinkAndKeepsUnknownMembers) {
     const auto written = nlohmann::json::parse(readFile(target));
     EXPECT_EQ(written["theme"], nlohmann::json({{"glass", 0.4}}));
     EXPECT_EQ(written["widgets"][0]["monitor"], "DP-1");
-    EXPECT_EQ(written["widgets"][0]["position"], nlohmann::json({{"x", 10}, {"y", 20}}));
+    EXPECT_EQ(written["widgets"][0]["pinned"], true);
+    EXPECT_EQ(written["widgets"][0]["position"], nlohmann::json({{"x", 10}, {"y", 20}, {"anchor", "bottom-right"}}))
+        << "a move keeps what a newer version wrote beside x and y";
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir / "dotfiles"), {}), 1)
         << "the new file replaced the target beside it, leaving no temporary";
 
