@@ -30,7 +30,8 @@ std::optional<std::string> sessionBusAddress() {
     return std::nullopt;
 }
 
-// The few GIO entry points a call needs, looked up once.
+// The GIO entry points the commands use, looked up together from one
+// opening of the library the first time any of them is needed.
 struct Gio {
     decltype(&g_dbus_connection_new_for_address_sync) connect = nullptr;
     decltype(&g_dbus_connection_call_sync) call = nullptr;
@@ -40,9 +41,21 @@ struct Gio {
     decltype(&g_variant_unref) variantUnref = nullptr;
     decltype(&g_object_unref) objectUnref = nullptr;
     decltype(&g_error_free) errorFree = nullptr;
+    // Replies taken apart, the settings portal and the link handler.
+    decltype(&g_variant_get_child_value) child = nullptr;
+    decltype(&g_variant_n_children) count = nullptr;
+    decltype(&g_variant_get_type_string) type = nullptr;
+    decltype(&g_variant_get_string) string = nullptr;
+    decltype(&g_variant_get_variant) unbox = nullptr;
+    decltype(&g_variant_get_uint32) uint32 = nullptr;
+    decltype(&g_variant_print) print = nullptr;
+    decltype(&g_free) free = nullptr;
+    decltype(&g_app_info_get_default_for_uri_scheme) uriHandler = nullptr;
+    decltype(&g_app_info_get_id) appID = nullptr;
 
     bool complete() const {
-        return connect && call && close && dbusErrorQuark && variantNew && variantUnref && objectUnref && errorFree;
+        return connect && call && close && dbusErrorQuark && variantNew && variantUnref && objectUnref && errorFree &&
+               child && count && type && string && unbox && uint32 && print && free && uriHandler && appID;
     }
 };
 
@@ -64,6 +77,16 @@ const Gio* gio() {
         lookUp(library, "g_variant_unref", g.variantUnref);
         lookUp(library, "g_object_unref", g.objectUnref);
         lookUp(library, "g_error_free", g.errorFree);
+        lookUp(library, "g_variant_get_child_value", g.child);
+        lookUp(library, "g_variant_n_children", g.count);
+        lookUp(library, "g_variant_get_type_string", g.type);
+        lookUp(library, "g_variant_get_string", g.string);
+        lookUp(library, "g_variant_get_variant", g.unbox);
+        lookUp(library, "g_variant_get_uint32", g.uint32);
+        lookUp(library, "g_variant_print", g.print);
+        lookUp(library, "g_free", g.free);
+        lookUp(library, "g_app_info_get_default_for_uri_scheme", g.uriHandler);
+        lookUp(library, "g_app_info_get_id", g.appID);
         return g;
     }();
     return loaded.complete() ? &loaded : nullptr;
@@ -76,6 +99,14 @@ std::string messageOf(const Gio& g, GError* error) {
     return message;
 }
 
+// A private connection to the bus at ADDRESS, or null with ERROR set.
+GDBusConnection* connectTo(const Gio& g, const std::string& address, GError** error) {
+    return g.connect(address.c_str(),
+                     static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                                       G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
+                     nullptr, nullptr, error);
+}
+
 // Calls METHOD, with KIND as its one argument when given; the reply goes to
 // REPLY_OUT (the caller unrefs it) when asked for.
 HostCall callHost(const char* method, const std::optional<std::string>& kind, GVariant** replyOut = nullptr) {
@@ -86,11 +117,7 @@ HostCall callHost(const char* method, const std::optional<std::string>& kind, GV
         return {HostCallResult::noHost, "cannot reach the running host: GIO (libgio-2.0.so.0) cannot be loaded"};
 
     GError* error = nullptr;
-    GDBusConnection* connection = g->connect(
-        address->c_str(),
-        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-        nullptr, nullptr, &error);
+    GDBusConnection* connection = connectTo(*g, *address, &error);
     if (connection == nullptr)
         return {HostCallResult::noHost, "no Meterwick widget host is running (the session bus cannot be reached: " +
                                             messageOf(*g, error) + ")"};
@@ -116,58 +143,19 @@ HostCall callHost(const char* method, const std::optional<std::string>& kind, GV
     return result;
 }
 
-// What doctor reads besides calls to the host: replies taken apart, the
-// settings portal and the link handler. Looked up once, like the above.
-struct GioReading {
-    decltype(&g_variant_get_child_value) child = nullptr;
-    decltype(&g_variant_n_children) count = nullptr;
-    decltype(&g_variant_get_type_string) type = nullptr;
-    decltype(&g_variant_get_string) string = nullptr;
-    decltype(&g_variant_get_variant) unbox = nullptr;
-    decltype(&g_variant_get_uint32) uint32 = nullptr;
-    decltype(&g_variant_print) print = nullptr;
-    decltype(&g_free) free = nullptr;
-    decltype(&g_app_info_get_default_for_uri_scheme) uriHandler = nullptr;
-    decltype(&g_app_info_get_id) appID = nullptr;
-
-    bool complete() const {
-        return child && count && type && string && unbox && uint32 && print && free && uriHandler && appID;
-    }
-};
-
-const GioReading* gioReading() {
-    static const GioReading loaded = [] {
-        GioReading g;
-        void* library = dlopen("libgio-2.0.so.0", RTLD_NOW | RTLD_LOCAL);
-        if (library == nullptr) return g;
-        lookUp(library, "g_variant_get_child_value", g.child);
-        lookUp(library, "g_variant_n_children", g.count);
-        lookUp(library, "g_variant_get_type_string", g.type);
-        lookUp(library, "g_variant_get_string", g.string);
-        lookUp(library, "g_variant_get_variant", g.unbox);
-        lookUp(library, "g_variant_get_uint32", g.uint32);
-        lookUp(library, "g_variant_print", g.print);
-        lookUp(library, "g_free", g.free);
-        lookUp(library, "g_app_info_get_default_for_uri_scheme", g.uriHandler);
-        lookUp(library, "g_app_info_get_id", g.appID);
-        return g;
-    }();
-    return loaded.complete() && gio() != nullptr ? &loaded : nullptr;
-}
-
 // A value as text: strings without quotes, variants unboxed.
-std::string printed(const GioReading& r, GVariant* value) {
-    const std::string type = r.type(value);
-    if (type == "s") return r.string(value, nullptr);
+std::string printed(const Gio& g, GVariant* value) {
+    const std::string type = g.type(value);
+    if (type == "s") return g.string(value, nullptr);
     if (type == "v") {
-        GVariant* inner = r.unbox(value);
-        std::string text = printed(r, inner);
-        gio()->variantUnref(inner);
+        GVariant* inner = g.unbox(value);
+        std::string text = printed(g, inner);
+        g.variantUnref(inner);
         return text;
     }
-    gchar* text = r.print(value, FALSE);
+    gchar* text = g.print(value, FALSE);
     std::string out = text;
-    r.free(text);
+    g.free(text);
     return out;
 }
 
@@ -176,20 +164,20 @@ std::string printed(const GioReading& r, GVariant* value) {
 HostStatus hostStatus() {
     GVariant* reply = nullptr;
     HostStatus status{callHost("Status", std::nullopt, &reply), {}};
-    const GioReading* r = gioReading();
+    const Gio* g = gio();
     if (reply == nullptr) return status;
-    if (r != nullptr && std::string(r->type(reply)) == "(a{sv})") {
-        GVariant* dict = r->child(reply, 0);
-        for (gsize i = 0; i < r->count(dict); ++i) {
-            GVariant* entry = r->child(dict, i);
-            GVariant* key = r->child(entry, 0);
-            GVariant* value = r->child(entry, 1);
-            status.values[r->string(key, nullptr)] = printed(*r, value);
-            for (GVariant* v : {value, key, entry}) gio()->variantUnref(v);
+    if (std::string(g->type(reply)) == "(a{sv})") {
+        GVariant* dict = g->child(reply, 0);
+        for (gsize i = 0; i < g->count(dict); ++i) {
+            GVariant* entry = g->child(dict, i);
+            GVariant* key = g->child(entry, 0);
+            GVariant* value = g->child(entry, 1);
+            status.values[g->string(key, nullptr)] = printed(*g, value);
+            for (GVariant* v : {value, key, entry}) g->variantUnref(v);
         }
-        gio()->variantUnref(dict);
+        g->variantUnref(dict);
     }
-    gio()->variantUnref(reply);
+    g->variantUnref(reply);
     return status;
 }
 
@@ -198,11 +186,7 @@ bool sessionBusReachable() {
     const Gio* g = gio();
     if (!address || g == nullptr) return false;
     GError* error = nullptr;
-    GDBusConnection* connection = g->connect(
-        address->c_str(),
-        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-        nullptr, nullptr, &error);
+    GDBusConnection* connection = connectTo(*g, *address, &error);
     if (connection == nullptr) {
         messageOf(*g, error);
         return false;
@@ -215,14 +199,9 @@ bool sessionBusReachable() {
 std::optional<std::string> portalColorScheme() {
     const auto address = sessionBusAddress();
     const Gio* g = gio();
-    const GioReading* r = gioReading();
-    if (!address || r == nullptr) return std::nullopt;
+    if (!address || g == nullptr) return std::nullopt;
     GError* error = nullptr;
-    GDBusConnection* connection = g->connect(
-        address->c_str(),
-        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-        nullptr, nullptr, &error);
+    GDBusConnection* connection = connectTo(*g, *address, &error);
     if (connection == nullptr) {
         messageOf(*g, error);
         return std::nullopt;
@@ -234,17 +213,17 @@ std::optional<std::string> portalColorScheme() {
     std::optional<std::string> scheme;
     if (reply != nullptr) {
         // (v) holding v holding u, as Read has always answered.
-        GVariant* value = r->child(reply, 0);
-        while (std::string(r->type(value)) == "v") {
-            GVariant* inner = r->unbox(value);
+        GVariant* value = g->child(reply, 0);
+        while (std::string(g->type(value)) == "v") {
+            GVariant* inner = g->unbox(value);
             g->variantUnref(value);
             value = inner;
         }
-        if (std::string(r->type(value)) == "u") {
-            const auto n = r->uint32(value);
+        if (std::string(g->type(value)) == "u") {
+            const auto n = g->uint32(value);
             scheme = n == 1 ? "dark" : n == 2 ? "light" : "no preference";
         } else {
-            scheme = printed(*r, value);
+            scheme = printed(*g, value);
         }
         g->variantUnref(value);
         g->variantUnref(reply);
@@ -257,13 +236,13 @@ std::optional<std::string> portalColorScheme() {
 }
 
 std::optional<std::string> uriSchemeHandler(const std::string& scheme) {
-    const GioReading* r = gioReading();
-    if (r == nullptr) return std::nullopt;
-    GAppInfo* app = r->uriHandler(scheme.c_str());
+    const Gio* g = gio();
+    if (g == nullptr) return std::nullopt;
+    GAppInfo* app = g->uriHandler(scheme.c_str());
     if (app == nullptr) return std::nullopt;
-    const char* id = r->appID(app);
+    const char* id = g->appID(app);
     std::optional<std::string> out = id != nullptr ? std::optional<std::string>(id) : std::optional<std::string>("");
-    gio()->objectUnref(app);
+    g->objectUnref(app);
     return out;
 }
 
