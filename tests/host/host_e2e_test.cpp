@@ -8,87 +8,22 @@
 // whole run is bounded by `timeout`.
 
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <spawn.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
-#include <cstdlib>
 #include <fstream>
-#include <functional>
-#include <nlohmann/json.hpp>
-#include <thread>
-#include <vector>
 
-#include "payload/codec.hpp"
-#include "payload/sample.hpp"
-#include "payload/store.hpp"
-#include "platform/atomic_write.hpp"
-#include "platform/clock.hpp"
+#include "host/e2e_harness.hpp"
 #include "platform/date.hpp"
-#include "support/temp_dir.hpp"
-
-extern char** environ;
 
 namespace mw {
 namespace {
 
-using namespace std::chrono_literals;
+using namespace mw::testing::e2e;
 using testing::readFile;
 using testing::TempDir;
 
 constexpr const char* kInsideVariable = "MW_HOST_E2E_SESSION";
-
-struct Run {
-    int status = -1;
-    std::string out;
-    std::string err;
-};
-
-Run run(const std::string& command) {
-    const TempDir io;
-    const std::string line = command + " >'" + (io / "out").string() + "' 2>'" + (io / "err").string() + "'";
-    const int raw = std::system(line.c_str());
-    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, readFile(io / "out"), readFile(io / "err")};
-}
-
-Run cli(const std::string& arguments) {
-    return run("'" MW_CLI_PATH "' " + arguments);
-}
-
-// Drawing commands load fonts; under LeakSanitizer fontconfig's process-long
-// caches read as leaks, which is not what this test is about.
-Run drawingCLI(const std::string& arguments) {
-    return run("env ASAN_OPTIONS=\"${ASAN_OPTIONS:+$ASAN_OPTIONS:}detect_leaks=0\" '" MW_CLI_PATH "' " + arguments);
-}
-
-bool onPath(const char* program) {
-    return run(std::string("command -v ") + program).status == 0;
-}
-
-// Polls until `done` or the deadline; true when done.
-bool waitFor(const std::function<bool()>& done, std::chrono::milliseconds deadline = 20s) {
-    const auto until = std::chrono::steady_clock::now() + deadline;
-    while (std::chrono::steady_clock::now() < until) {
-        if (done()) return true;
-        std::this_thread::sleep_for(50ms);
-    }
-    return done();
-}
-
-nlohmann::json readJSON(const std::filesystem::path& path) {
-    return nlohmann::json::parse(readFile(path), nullptr, false);
-}
-
-// The host's note of what a window shows: present and complete.
-std::optional<nlohmann::json> shown(const std::filesystem::path& snapshots, const std::string& id) {
-    auto json = readJSON(snapshots / (id + ".json"));
-    if (json.is_discarded() || !json.is_object()) return std::nullopt;
-    return json;
-}
 
 // `meterwick-widgets render` of what the window says it shows, at its date,
 // scale and appearance; the PNG bytes.
@@ -137,60 +72,19 @@ std::string expectedURL(const nlohmann::json& info, double x, double y) {
     return url;
 }
 
-void writePayload(const std::filesystem::path& container, const WidgetPayload& payload) {
-    ASSERT_TRUE(writeFileAtomically(container / kPayloadFileName, encodePayload(payload)));
-}
-
-class Host {
-  public:
-    Host(const std::filesystem::path& log) {
-        const std::string command =
-            "exec env ASAN_OPTIONS=detect_leaks=0 '" MW_HOST_PATH "' >'" + log.string() + "' 2>&1";
-        const char* argv[] = {"sh", "-c", command.c_str(), nullptr};
-        if (::posix_spawn(&pid_, "/bin/sh", nullptr, nullptr, const_cast<char**>(argv), environ) != 0) pid_ = -1;
-    }
-    ~Host() { stop(); }
-    Host(const Host&) = delete;
-    Host& operator=(const Host&) = delete;
-
-    bool started() const { return pid_ > 0; }
-    // SIGTERM, then the exit status (or -1 when it had to be killed).
-    int stop() {
-        if (pid_ <= 0) return status_;
-        ::kill(pid_, SIGTERM);
-        int raw = 0;
-        const bool exited = waitFor([&] { return ::waitpid(pid_, &raw, WNOHANG) == pid_; }, 10s);
-        if (!exited) {
-            ::kill(pid_, SIGKILL);
-            ::waitpid(pid_, &raw, 0);
-        }
-        status_ = exited && WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-        pid_ = -1;
-        return status_;
-    }
-
-  private:
-    pid_t pid_ = -1;
-    int status_ = -1;
-};
-
 void scenario() {
-    const TempDir root;
-    const auto config = root / "config";
-    const auto container = root / "container";
-    const auto snapshots = root / "snapshots";
+    const Sandbox box;
+    const auto& root = box.root;
+    const auto& config = box.config;
+    const auto& snapshots = box.snapshots;
     const auto opened = root / "opened.txt";
-    std::filesystem::create_directories(container);
     root.write("open-url.sh", "#!/bin/sh\nprintf '%s\\n' \"$1\" >> '" + opened.string() + "'\n");
     std::filesystem::permissions(root / "open-url.sh", std::filesystem::perms::owner_all);
-    ::setenv("XDG_CONFIG_HOME", config.c_str(), 1);
-    ::setenv("METERWICK_CONTAINER", container.c_str(), 1);
-    ::setenv("MW_HOST_SNAPSHOT_DIR", snapshots.c_str(), 1);
     ::setenv("MW_URL_HANDLER", (root / "open-url.sh").c_str(), 1);
     ::setenv("GDK_SCALE", "2", 1);  // HiDPI: windows are drawn at two pixels per point
     ::unsetenv("MW_HOST_APPEARANCE");
 
-    writePayload(container, samplePayload(systemNow()));
+    ASSERT_TRUE(box.writeSamplePayload());
 
     // No host yet: reload says so.
     const auto early = cli("reload");
@@ -202,26 +96,19 @@ void scenario() {
     ASSERT_EQ(cli("place dashboard --family systemLarge --at 0,200").status, 0);
     const std::vector<std::string> ids{"focus-1", "accounts-1", "dashboard-1"};
 
-    Host host(root / "host.log");
+    Host host(box.hostLogPath());
     ASSERT_TRUE(host.started());
-    const auto hostLog = [&] { return readFile(root / "host.log"); };
-    ASSERT_TRUE(waitFor(
-        [&] {
-            for (const auto& id : ids)
-                if (!shown(snapshots, id)) return false;
-            return true;
-        },
-        60s))
-        << hostLog();
+    const auto hostLog = [&] { return box.hostLog(); };
+    ASSERT_TRUE(waitFor([&] { return box.allShown(ids); }, 60s)) << hostLog();
 
     // Every timeline build leaves the self-report for the application.
-    const auto report = readJSON(container / "widget-self-report.json");
+    const auto report = readJSON(box.container / "widget-self-report.json");
     ASSERT_TRUE(report.is_object()) << hostLog();
     EXPECT_EQ(report.value("payloadReadStatus", ""), "ok");
 
     // Each window is drawn exactly as the command draws the same entry.
     for (const auto& id : ids) {
-        const auto info = *shown(snapshots, id);
+        const auto info = *box.shown(id);
         EXPECT_EQ(info["scale"], 2) << id;
         EXPECT_EQ(renderedLikeTheWindow(info, root / ("cli-" + id + ".png")), readFile(snapshots / (id + ".png")))
             << id << " differs from meterwick-widgets render";
@@ -229,7 +116,7 @@ void scenario() {
 
     // A click opens the link under the pointer (or the widget's URL).
     if (onPath("xdotool")) {
-        const auto info = *shown(snapshots, "focus-1");
+        const auto info = *box.shown("focus-1");
         const std::string url = expectedURL(info, 85, 85);
         ASSERT_TRUE(waitFor([] { return run("xdotool search --onlyvisible --name '^Tool Focus$'").status == 0; }))
             << "the Focus window is not on screen";
@@ -239,7 +126,7 @@ void scenario() {
 
         // A click on an Accounts row opens that row's account, not the widget.
         // The window stands at (200, 0) points; the screen has two pixels a point.
-        const auto accounts = *shown(snapshots, "accounts-1");
+        const auto accounts = *box.shown("accounts-1");
         const auto rows = linkRegions(described(accounts));
         ASSERT_GE(rows.size(), 2u) << "the Accounts widget shows rows with links";
         const auto& row = rows[1]["frame"];
@@ -273,16 +160,16 @@ void scenario() {
     }
 
     // The application replaces the payload: every window follows.
-    const auto before = *shown(snapshots, "focus-1");
+    const auto before = *box.shown("focus-1");
     const auto beforePNG = readFile(snapshots / "focus-1.png");
     WidgetPayload empty;
     empty.updatedAt = systemNow();
-    writePayload(container, empty);
+    ASSERT_TRUE(box.writePayload(empty));
     ASSERT_TRUE(waitFor([&] {
-        const auto now = shown(snapshots, "focus-1");
+        const auto now = box.shown("focus-1");
         return now && (*now)["build"] != before["build"];
     })) << hostLog();
-    const auto after = *shown(snapshots, "focus-1");
+    const auto after = *box.shown("focus-1");
     EXPECT_NE(readFile(snapshots / "focus-1.png"), beforePNG);
     EXPECT_EQ(renderedLikeTheWindow(after, root / "cli-after.png"), readFile(snapshots / "focus-1.png"));
 
@@ -291,35 +178,35 @@ void scenario() {
     {
         auto aging = samplePayload(systemNow());
         aging.updatedAt = systemNow() - 1800 + 6;
-        const auto previous = (*shown(snapshots, "focus-1"))["build"].get<int>();
-        writePayload(container, aging);
+        const auto previous = (*box.shown("focus-1"))["build"].get<int>();
+        ASSERT_TRUE(box.writePayload(aging));
         ASSERT_TRUE(waitFor([&] {
-            const auto now = shown(snapshots, "focus-1");
+            const auto now = box.shown("focus-1");
             return now && (*now)["build"] != previous;
         })) << hostLog();
-        const auto fresh = *shown(snapshots, "focus-1");
+        const auto fresh = *box.shown("focus-1");
         EXPECT_EQ(fresh["entry"], 0);
         EXPECT_EQ(fresh["entries"], 2) << "the entry at now and the one at the stale moment";
-        EXPECT_TRUE(waitFor([&] { return (*shown(snapshots, "focus-1"))["entry"] == 1; }, 15s)) << hostLog();
-        const auto stale = *shown(snapshots, "focus-1");
+        EXPECT_TRUE(waitFor([&] { return (*box.shown("focus-1"))["entry"] == 1; }, 15s)) << hostLog();
+        const auto stale = *box.shown("focus-1");
         EXPECT_EQ(stale["build"], fresh["build"]) << "no reload was needed";
         EXPECT_EQ(stale["date"], formatISO8601(aging.updatedAt + 1800));
         EXPECT_EQ(renderedLikeTheWindow(stale, root / "cli-stale.png"), readFile(snapshots / "focus-1.png"));
     }
 
     // Reload over D-Bus: that kind only, done by the time the command returns.
-    const auto dashboardBuild = (*shown(snapshots, "dashboard-1"))["build"].get<int>();
-    const auto focusBuild = (*shown(snapshots, "focus-1"))["build"].get<int>();
+    const auto dashboardBuild = (*box.shown("dashboard-1"))["build"].get<int>();
+    const auto focusBuild = (*box.shown("focus-1"))["build"].get<int>();
     const auto reload = cli("reload dashboard");
     EXPECT_EQ(reload.status, 0) << reload.err;
-    EXPECT_EQ((*shown(snapshots, "dashboard-1"))["build"], dashboardBuild + 1);
-    EXPECT_EQ((*shown(snapshots, "focus-1"))["build"], focusBuild);
+    EXPECT_EQ((*box.shown("dashboard-1"))["build"], dashboardBuild + 1);
+    EXPECT_EQ((*box.shown("focus-1"))["build"], focusBuild);
     EXPECT_EQ(cli("reload nonsense").status, 2);
 
     // Editing and removing through the command reach the running host.
     ASSERT_EQ(cli("edit focus-1 --set style=classic").status, 0);
     EXPECT_TRUE(waitFor([&] {
-        const auto now = shown(snapshots, "focus-1");
+        const auto now = box.shown("focus-1");
         return now && (*now)["parameters"].value("style", "") == "classic";
     })) << hostLog();
     ASSERT_EQ(cli("remove accounts-1").status, 0);
@@ -366,7 +253,7 @@ void scenario() {
     ASSERT_EQ(kept.size(), 1u) << hostLog();
     EXPECT_EQ(readFile(kept.front()), "{\"widgets\": [ oops");
     EXPECT_TRUE(waitFor([&] {
-        return !std::filesystem::exists(snapshots / "focus-1.json") && shown(snapshots, "sparkline-1").has_value();
+        return !std::filesystem::exists(snapshots / "focus-1.json") && box.shown("sparkline-1").has_value();
     })) << hostLog();
 
     EXPECT_EQ(host.stop(), 0) << hostLog();
@@ -385,31 +272,27 @@ std::string hostStatus() {
 // responsive through the third: it answers the bus, a second start hands
 // over to it, and SIGTERM ends it promptly.
 void hostileScenario() {
-    const TempDir root;
-    const auto config = root / "config";
-    const auto container = root / "later" / "container";
-    const auto snapshots = root / "snapshots";
-    ::setenv("XDG_CONFIG_HOME", config.c_str(), 1);
-    ::setenv("METERWICK_CONTAINER", container.c_str(), 1);
-    ::setenv("MW_HOST_SNAPSHOT_DIR", snapshots.c_str(), 1);
+    const Sandbox box("later/container");
+    const auto& root = box.root;
+    const auto& container = box.container;
+    const auto& snapshots = box.snapshots;
     ::setenv("MW_HOST_APPEARANCE", "light", 1);
     ::unsetenv("GDK_SCALE");
 
     ASSERT_EQ(cli("place focus --at 0,0").status, 0);
-    Host host(root / "host.log");
+    Host host(box.hostLogPath());
     ASSERT_TRUE(host.started());
-    const auto hostLog = [&] { return readFile(root / "host.log"); };
-    ASSERT_TRUE(waitFor([&] { return shown(snapshots, "focus-1").has_value(); }, 60s)) << hostLog();
+    const auto hostLog = [&] { return box.hostLog(); };
+    ASSERT_TRUE(waitFor([&] { return box.shown("focus-1").has_value(); }, 60s)) << hostLog();
     const auto buildOf = [&] {
-        const auto info = shown(snapshots, "focus-1");
+        const auto info = box.shown("focus-1");
         return info ? (*info)["build"].get<int>() : -1;
     };
     const auto pngOf = [&] { return readFile(snapshots / "focus-1.png"); };
 
     // Created after the start, two levels down: the widget follows.
     const auto waiting = pngOf();
-    std::filesystem::create_directories(container);
-    writePayload(container, samplePayload(systemNow()));
+    ASSERT_TRUE(box.writeSamplePayload());
     EXPECT_TRUE(waitFor([&] { return pngOf() != waiting; })) << "a container created later is noticed\n" << hostLog();
     const auto withData = pngOf();
 
@@ -418,7 +301,7 @@ void hostileScenario() {
     std::filesystem::create_directories(container);
     WidgetPayload empty;
     empty.updatedAt = systemNow();
-    writePayload(container, empty);
+    ASSERT_TRUE(box.writePayload(empty));
     EXPECT_TRUE(waitFor([&] { return pngOf() != withData; })) << "a replaced container is noticed\n" << hostLog();
 
     // A FIFO where the payload should be: nothing may wait on it.
@@ -444,15 +327,8 @@ void inSession(void (*scenario)()) {
         return;
     }
     if (!onPath("xvfb-run") || !onPath("dbus-run-session")) GTEST_SKIP() << "needs xvfb-run and dbus-run-session";
-    const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
-    const TempDir io;
-    const std::string command =
-        std::string("timeout -k 5 300 xvfb-run -a -s '-screen 0 2400x1600x24' ") + "dbus-run-session -- env " +
-        kInsideVariable + "=1 NO_AT_BRIDGE=1 " + "'" + std::filesystem::read_symlink("/proc/self/exe").string() +
-        "' --gtest_filter=" + test->test_suite_name() + "." + test->name() + " >'" + (io / "log").string() + "' 2>&1";
-    const int raw = std::system(command.c_str());
-    const int status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    EXPECT_EQ(status, 0) << readFile(io / "log");
+    runThisTestInside("xvfb-run -a -s '-screen 0 2400x1600x24' dbus-run-session --",
+                      std::string(kInsideVariable) + "=1 NO_AT_BRIDGE=1", 300s);
 }
 
 TEST(HostEndToEnd, ShowsFollowsAndReloadsPlacedWidgets) {
