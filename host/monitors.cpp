@@ -32,30 +32,61 @@ WidgetPosition clampOffset(WidgetPosition offset, int width, int height, const S
     return {clampAxis(offset.x, width, area.x, area.width), clampAxis(offset.y, height, area.y, area.height)};
 }
 
+namespace {
+
+// The primary monitor when it is `monitor`: a widget there may name none.
+bool isPrimary(const std::vector<Monitor>& monitors, const Monitor& monitor) {
+    return monitorFor(monitors, std::nullopt) == &monitor;
+}
+
+ScreenRect relativeTo(ScreenRect area, const ScreenRect& origin) {
+    area.x -= origin.x;
+    area.y -= origin.y;
+    return area;
+}
+
+}  // namespace
+
 Placement placeOnMonitor(const std::vector<Monitor>& monitors, const std::optional<std::string>& identity,
                          WidgetPosition offset, int width, int height) {
     const Monitor* monitor = monitorFor(monitors, identity);
-    if (monitor == nullptr) return {nullptr, offset, offset, false};
+    if (monitor == nullptr) return {nullptr, offset, offset, identity, false};
     const auto& origin = monitor->geometry;
-    auto area = visibleArea(*monitor);
-    area.x -= origin.x;  // the area relative to the monitor's corner, like the offset
-    area.y -= origin.y;
-    const auto clamped = clampOffset(offset, width, height, area);
-    return {monitor, clamped, {origin.x + clamped.x, origin.y + clamped.y}, clamped != offset};
+    // Offsets count from the monitor's corner, so the areas do too.
+    const auto clamped = clampOffset(offset, width, height, relativeTo(visibleArea(*monitor), origin));
+    const bool ownMonitor = !identity || monitorIdentity(*monitor) == *identity;
+    const bool offMonitor = clampOffset(offset, width, height, relativeTo(origin, origin)) != offset;
+    return {monitor, clamped, {origin.x + clamped.x, origin.y + clamped.y}, identity, ownMonitor && offMonitor};
 }
 
 Placement placeAtDesktop(const std::vector<Monitor>& monitors, const std::optional<std::string>& identity,
                          WidgetPosition desktop, int width, int height) {
-    const long centreX = static_cast<long>(desktop.x) + width / 2, centreY = static_cast<long>(desktop.y) + height / 2;
+    const Monitor* monitor = monitorAt(monitors, {desktop.x + width / 2, desktop.y + height / 2});
+    if (monitor == nullptr) monitor = monitorFor(monitors, identity);
+    if (monitor == nullptr) return {nullptr, desktop, desktop, identity, true};
+    const auto kept =
+        !identity && isPrimary(monitors, *monitor) ? std::nullopt : std::optional(monitorIdentity(*monitor));
+    const WidgetPosition offset{desktop.x - monitor->geometry.x, desktop.y - monitor->geometry.y};
+    auto placement = placeOnMonitor(monitors, monitorIdentity(*monitor), offset, width, height);
+    placement.identity = kept;
+    placement.save = true;
+    return placement;
+}
+
+const Monitor* monitorAt(const std::vector<Monitor>& monitors, WidgetPosition at) {
     const auto under = std::find_if(monitors.begin(), monitors.end(), [&](const Monitor& m) {
         const auto& g = m.geometry;
-        return centreX >= g.x && centreX < static_cast<long>(g.x) + g.width && centreY >= g.y &&
-               centreY < static_cast<long>(g.y) + g.height;
+        return at.x >= g.x && at.x - g.x < g.width && at.y >= g.y && at.y - g.y < g.height;
     });
-    const Monitor* monitor = under != monitors.end() ? &*under : monitorFor(monitors, identity);
-    if (monitor == nullptr) return {nullptr, desktop, desktop, false};
-    const WidgetPosition offset{desktop.x - monitor->geometry.x, desktop.y - monitor->geometry.y};
-    return placeOnMonitor(monitors, monitorIdentity(*monitor), offset, width, height);
+    return under != monitors.end() ? &*under : nullptr;
+}
+
+MonitorSpot spotAt(const std::vector<Monitor>& monitors, WidgetPosition at) {
+    const Monitor* monitor = monitorAt(monitors, at);
+    if (monitor == nullptr) monitor = monitorFor(monitors, std::nullopt);
+    if (monitor == nullptr) return {std::nullopt, at};
+    return {isPrimary(monitors, *monitor) ? std::nullopt : std::optional(monitorIdentity(*monitor)),
+            {at.x - monitor->geometry.x, at.y - monitor->geometry.y}};
 }
 
 }  // namespace mw

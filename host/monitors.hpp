@@ -51,25 +51,49 @@ const Monitor* monitorFor(const std::vector<Monitor>& monitors, const std::optio
 // larger than the area keeps its top-left edge visible.
 WidgetPosition clampOffset(WidgetPosition offset, int width, int height, const ScreenRect& area);
 
-// Where a placed widget stands right now.
+// Where a placed widget stands right now, and what of it is worth storing.
 struct Placement {
     const Monitor* monitor = nullptr;  // where it is shown
     WidgetPosition offset;             // from the monitor's corner, clamped
     WidgetPosition desktop;            // the same point in desktop coordinates
-    bool moved = false;                // the stored offset had to change
+    // The monitor to store for the widget: none for a widget that follows
+    // whichever monitor is primary.
+    std::optional<std::string> identity;
+    // Whether `offset` and `identity` should replace what is stored.
+    bool save = false;
     bool operator==(const Placement&) const = default;
 };
 
 // The stored offset on the stored monitor, moved into its visible area; a
 // monitor that is gone is replaced by the primary with the offset kept where
 // it fits. With no monitors at all the offset is used as it is.
+//
+// Only a widget on its own monitor whose stored offset lies partly off that
+// monitor is saved where it is shown. One merely under a panel keeps its
+// stored place and comes back when the panel goes; one shown on the primary
+// while its monitor is away goes back when the monitor returns.
 Placement placeOnMonitor(const std::vector<Monitor>& monitors, const std::optional<std::string>& identity,
                          WidgetPosition offset, int width, int height);
 
 // Where a widget dropped at `desktop` (desktop coordinates) belongs: the
 // monitor under its centre, else the one named by `identity` (the monitor it
-// was on), with the offset clamped into that monitor.
+// was on), with the offset clamped into that monitor. A drop is always saved;
+// a widget that named no monitor and stays on the primary keeps naming none.
 Placement placeAtDesktop(const std::vector<Monitor>& monitors, const std::optional<std::string>& identity,
                          WidgetPosition desktop, int width, int height);
+
+// The monitor showing the desktop point `at`; nullptr when it is on none.
+const Monitor* monitorAt(const std::vector<Monitor>& monitors, WidgetPosition at);
+
+// Where a new widget goes when it is asked for at the desktop point `at` (say
+// from another widget's menu): the monitor under the point, else the primary,
+// with the offset from that monitor's corner. A new widget on the primary
+// names no monitor, like one placed without `--monitor`.
+struct MonitorSpot {
+    std::optional<std::string> identity;
+    WidgetPosition offset;
+    bool operator==(const MonitorSpot&) const = default;
+};
+MonitorSpot spotAt(const std::vector<Monitor>& monitors, WidgetPosition at);
 
 }  // namespace mw

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdlib>
 
+#include "app/host/desktop_monitors.hpp"
 #include "app/host/dialogs.hpp"
 #include "app/host/widget_window.hpp"
 #include "host/bus.hpp"
@@ -461,10 +462,15 @@ void HostApplication::removeWidget(const std::string& id) {
 
 void HostApplication::addWidget(const WidgetDeclaration& widget, WidgetFamily family,
                                 std::optional<WidgetPosition> near) {
-    editStore([widget = &widget, family, near](std::vector<PlacedWidget>& widgets) {
-        const auto position = near ? WidgetPosition{near->x + 32, near->y + 32} : defaultPosition(widgets);
+    // Asked for from a widget's menu, the new widget goes on that widget's
+    // monitor, a little down and right of it.
+    std::optional<MonitorSpot> spot;
+    if (GdkDisplay* display = gdk_display_get_default(); near && display != nullptr)
+        spot = spotAt(desktopMonitors(display), {near->x + 32, near->y + 32});
+    editStore([widget = &widget, family, spot](std::vector<PlacedWidget>& widgets) {
+        const auto position = spot ? spot->offset : defaultPosition(widgets);
         widgets.push_back({nextPlacementID(widgets, *widget), std::string(widget->kind), std::string(rawValue(family)),
-                           defaultParameters(*widget), position});
+                           defaultParameters(*widget), position, {}, spot ? spot->identity : std::nullopt});
         return true;
     });
 }

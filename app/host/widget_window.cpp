@@ -36,7 +36,7 @@ WidgetWindow::WidgetWindow(PlacedWidget placed, ResolvedPlacement resolved, Widg
                                                .clicked = [this](PointerPoint at) { openLinkAt(at); },
                                                .edit = [this] { showEditDialog(); },
                                                .remove = [this] { callbacks_.removeRequested(); },
-                                               .add = [this] { callbacks_.addRequested(placed_.position); },
+                                               .add = [this] { callbacks_.addRequested(placement_.position()); },
                                            });
     input_->setEditable(widget().intent != nullptr);
 
@@ -89,30 +89,20 @@ void WidgetWindow::showAt(const Placement& placement) {
 void WidgetWindow::place() {
     const auto monitors = desktopMonitors(gtk_widget_get_display(window_.get()));
     const auto [width, height] = pixelSize();
-    const auto placement = placeOnMonitor(monitors, placed_.monitor, placed_.position, width, height);
-    showAt(placement);
-    // Shown on the primary while its own monitor is away, the widget keeps
-    // its stored place and goes back when the monitor returns.
-    const bool ownMonitor =
-        placement.monitor != nullptr && (!placed_.monitor || monitorIdentity(*placement.monitor) == *placed_.monitor);
-    if (placement.moved && ownMonitor) {
-        placed_.position = placement.offset;
-        callbacks_.moved(placed_.position, placed_.monitor);
-    }
+    keep(placeOnMonitor(monitors, placed_.monitor, placed_.position, width, height));
 }
 
 void WidgetWindow::dropAt(WidgetPosition desktop) {
     const auto monitors = desktopMonitors(gtk_widget_get_display(window_.get()));
     const auto [width, height] = pixelSize();
-    const auto placement = placeAtDesktop(monitors, placed_.monitor, desktop, width, height);
+    keep(placeAtDesktop(monitors, placed_.monitor, desktop, width, height));
+}
+
+void WidgetWindow::keep(const Placement& placement) {
     showAt(placement);
-    if (placement.monitor != nullptr) {
-        // A widget that never named a monitor and stays on the primary keeps
-        // naming none, so it follows the primary.
-        const bool onPrimary = placement.monitor == monitorFor(monitors, std::nullopt);
-        if (placed_.monitor || !onPrimary) placed_.monitor = monitorIdentity(*placement.monitor);
-    }
+    if (!placement.save) return;
     placed_.position = placement.offset;
+    placed_.monitor = placement.identity;
     callbacks_.moved(placed_.position, placed_.monitor);
 }
 

@@ -35,6 +35,8 @@ struct WidgetWindowCallbacks {
     std::function<void(WidgetPosition offset, const std::optional<std::string>& monitor)> moved;
     std::function<void(const std::string& name, const std::string& value)> parameterChosen;
     std::function<void()> removeRequested;
+    // "Add Widget…" from this widget's menu; `near` is where it stands, in
+    // desktop coordinates.
     std::function<void(WidgetPosition near)> addRequested;
     std::function<void(const std::string& url)> openURL;
     std::function<std::optional<std::filesystem::path>()> container;  // for the Edit Widget choice lists
@@ -72,12 +74,13 @@ class WidgetWindow {
     void removeSnapshot() const;
 
   private:
-    // Shows the widget at its stored place, clamped into its monitor; a
-    // clamped offset is saved when the widget is on its own monitor.
+    // Shows the widget at its stored place, clamped into its monitor.
     void place();
     // A move ended at `desktop`: the widget belongs to the monitor under its
     // centre, clamped into it, and is saved there.
     void dropAt(WidgetPosition desktop);
+    // Shows the widget at `placement`, storing it when it says so.
+    void keep(const Placement& placement);
     void showAt(const Placement& placement);
     std::pair<int, int> pixelSize() const;
     void showEntry(const AnyTimeline& timeline, std::size_t entry);

@@ -35,29 +35,43 @@ TEST(Monitors, OffsetsAreClampedSoTheWholeWidgetStaysVisible) {
             << c.offset.x << "," << c.offset.y << " " << c.width << "x" << c.height;
 }
 
-TEST(Monitors, AWidgetStandsOnItsMonitorOrThePrimaryOneWhenItsMonitorIsGone) {
+TEST(Monitors, AWidgetStandsOnItsMonitorAndOnlyAnImpossiblePlaceIsSaved) {
     // The primary on the right, a panel 32 pt tall along its top.
     const std::vector<Monitor> monitors{
         monitor("HDMI-A-1", {0, 0, 1280, 1024}),
         monitor("DP-1", {1280, 0, 2560, 1440}, true, {1280, 32, 2560, 1408}),
     };
+    const std::optional<std::string> none, hdmi = "HDMI-A-1", dp = "DP-1", gone = "DP-7";
     struct Case {
         const char* name;
         std::optional<std::string> identity;
         WidgetPosition offset;
-        Placement expected;
+        const Monitor* shownOn;
+        WidgetPosition desktop;
+        bool save;
     };
     const Case cases[] = {
-        {"on its own monitor", "HDMI-A-1", {100, 100}, {&monitors[0], {100, 100}, {100, 100}, false}},
-        {"no monitor: the primary", std::nullopt, {100, 100}, {&monitors[1], {100, 100}, {1380, 100}, false}},
-        {"under the panel", "DP-1", {100, 10}, {&monitors[1], {100, 32}, {1380, 32}, true}},
-        {"monitor gone, offset fits", "DP-7", {200, 300}, {&monitors[1], {200, 300}, {1480, 300}, false}},
-        {"monitor gone, offset does not fit", "DP-7", {2500, 300}, {&monitors[1], {2390, 300}, {3670, 300}, true}},
-        {"off its own monitor", "HDMI-A-1", {1400, 0}, {&monitors[0], {1110, 0}, {1110, 0}, true}},
+        {"on its own monitor", hdmi, {100, 100}, &monitors[0], {100, 100}, false},
+        {"no monitor: the primary", none, {100, 100}, &monitors[1], {1380, 100}, false},
+        // A panel is not the user's doing: shown below it, stored as it was.
+        {"under the panel", dp, {100, 10}, &monitors[1], {1380, 32}, false},
+        {"under the panel, following the primary", none, {100, 10}, &monitors[1], {1380, 32}, false},
+        // Shown on the primary until its own monitor returns.
+        {"monitor gone, offset fits", gone, {200, 300}, &monitors[1], {1480, 300}, false},
+        {"monitor gone, offset does not fit", gone, {2500, 300}, &monitors[1], {3670, 300}, false},
+        // Off the monitor itself is a place no one can see: corrected for good.
+        {"off its own monitor", hdmi, {1400, 0}, &monitors[0], {1110, 0}, true},
+        {"below the primary", none, {100, 1400}, &monitors[1], {1380, 1270}, true},
     };
-    for (const auto& c : cases) EXPECT_EQ(placeOnMonitor(monitors, c.identity, c.offset, 170, 170), c.expected) << c.name;
+    for (const auto& c : cases) {
+        const auto placement = placeOnMonitor(monitors, c.identity, c.offset, 170, 170);
+        EXPECT_EQ(placement.monitor, c.shownOn) << c.name;
+        EXPECT_EQ(placement.desktop, c.desktop) << c.name;
+        EXPECT_EQ(placement.save, c.save) << c.name;
+        EXPECT_EQ(placement.identity, c.identity) << c.name << ": the stored monitor is kept";
+    }
 
-    EXPECT_EQ(placeOnMonitor({}, "DP-1", {5, 6}, 170, 170), (Placement{nullptr, {5, 6}, {5, 6}, false}))
+    EXPECT_EQ(placeOnMonitor({}, dp, {5, 6}, 170, 170), (Placement{nullptr, {5, 6}, {5, 6}, dp, false}))
         << "no monitors known: nothing to clamp to";
     const std::vector<Monitor> noPrimary{monitor("eDP-1", {0, 0, 1920, 1080}), monitor("DP-2", {1920, 0, 1920, 1080})};
     EXPECT_EQ(placeOnMonitor(noPrimary, std::nullopt, {0, 0}, 170, 170).monitor, &noPrimary[0]);
@@ -69,18 +83,36 @@ TEST(Monitors, IdentityIsTheConnectorElseModelAndPosition) {
     EXPECT_EQ(monitorIdentity({"", "", {-1280, 0, 1280, 1024}, {}, false}), "monitor@-1280,0");
 }
 
-TEST(Monitors, ADropBelongsToTheMonitorUnderTheWidgetsCentre) {
+TEST(Monitors, DropsAndNewWidgetsBelongToTheMonitorUnderThem) {
     const std::vector<Monitor> monitors{monitor("HDMI-A-1", {0, 0, 1280, 1024}, true),
                                         monitor("DP-1", {1280, 0, 1920, 1080})};
-    // Dropped straddling the edge, mostly on the right: it moves over.
-    const auto across = placeAtDesktop(monitors, "HDMI-A-1", {1200, 100}, 170, 170);
-    EXPECT_EQ(across.monitor, &monitors[1]);
-    EXPECT_EQ(across.offset, (WidgetPosition{0, 100}));
-    EXPECT_EQ(across.desktop, (WidgetPosition{1280, 100}));
-    // Dropped below both: it stays with its monitor, pulled back in.
-    const auto below = placeAtDesktop(monitors, "DP-1", {1500, 2000}, 170, 170);
-    EXPECT_EQ(below.monitor, &monitors[1]);
-    EXPECT_EQ(below.desktop, (WidgetPosition{1500, 910}));
+    const std::optional<std::string> none, hdmi = "HDMI-A-1", dp = "DP-1";
+    struct Drop {
+        const char* name;
+        std::optional<std::string> identity;
+        WidgetPosition desktop;
+        Placement expected;
+    };
+    const Drop drops[] = {
+        {"straddling the edge, mostly on the right", hdmi, {1200, 100},
+         {&monitors[1], {0, 100}, {1280, 100}, dp, true}},
+        {"below both: pulled back into its monitor", dp, {1500, 2000},
+         {&monitors[1], {220, 910}, {1500, 910}, dp, true}},
+        {"following the primary and staying there", none, {300, 200},
+         {&monitors[0], {300, 200}, {300, 200}, none, true}},
+        {"following the primary, dropped on the other", none, {1400, 200},
+         {&monitors[1], {120, 200}, {1400, 200}, dp, true}},
+        {"named monitor kept when dropped back on the primary", dp, {300, 200},
+         {&monitors[0], {300, 200}, {300, 200}, hdmi, true}},
+    };
+    for (const auto& d : drops) EXPECT_EQ(placeAtDesktop(monitors, d.identity, d.desktop, 170, 170), d.expected) << d.name;
+
+    // "Add Widget…" from a widget's menu: the new one goes on that widget's monitor.
+    EXPECT_EQ(spotAt(monitors, {1500, 300}), (MonitorSpot{dp, {220, 300}}));
+    EXPECT_EQ(spotAt(monitors, {300, 300}), (MonitorSpot{none, {300, 300}})) << "the primary is named by no one";
+    EXPECT_EQ(spotAt(monitors, {-50, 300}), (MonitorSpot{none, {-50, 300}})) << "off every monitor: the primary";
+    EXPECT_EQ(monitorAt(monitors, {1280, 1079}), &monitors[1]);
+    EXPECT_EQ(monitorAt(monitors, {1280, 1080}), nullptr);
 }
 
 TEST(Session, RoutesWidgetsToLayerShellElseXWaylandElsePlainWindows) {
