@@ -95,7 +95,7 @@ std::optional<Color> colorFromHex(std::string_view text) {
     if (text.size() != 6) return std::nullopt;
     const auto value = parseUnsignedHex(text);
     if (!value) return std::nullopt;
-    return Color::rgb(static_cast<double>((*value >> 16) & 0xFF) / 255.0,
+    return Color::legible(static_cast<double>((*value >> 16) & 0xFF) / 255.0,
                       static_cast<double>((*value >> 8) & 0xFF) / 255.0,
                       static_cast<double>(*value & 0xFF) / 255.0);
 }

@@ -5,12 +5,12 @@
 #include <string>
 #include <string_view>
 
-#include "model/color.hpp"
 #include "payload/records.hpp"
+#include "platform/color.hpp"
 
 namespace mw {
 
-// "#D97757", "d97757" (whitespace around allowed) → the sRGB colour; absent
+// "#D97757", "d97757" (whitespace around allowed) → the legible sRGB colour; absent
 // unless exactly six characters remain that read as one base-16 number.
 std::optional<Color> colorFromHex(std::string_view text);
 

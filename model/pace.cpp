@@ -9,17 +9,17 @@
 namespace mw {
 
 const Color& dangerRed() {
-    static const Color color = Color::rgb(0.94, 0.33, 0.31);
+    static const Color color = Color::legible(0.94, 0.33, 0.31);
     return color;
 }
 
 const Color& warnOrange() {
-    static const Color color = Color::rgb(0.98, 0.62, 0.16);
+    static const Color color = Color::legible(0.98, 0.62, 0.16);
     return color;
 }
 
 const Color& underGreen() {
-    static const Color color = Color::rgb(0.24, 0.72, 0.43);
+    static const Color color = Color::legible(0.24, 0.72, 0.43);
     return color;
 }
 

@@ -4,13 +4,14 @@
 // Every function takes the entry's date, never the wall clock.
 
 #include <array>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include "model/color.hpp"
 #include "model/options.hpp"
 #include "payload/records.hpp"
+#include "platform/color.hpp"
 
 namespace mw {
 
@@ -35,6 +36,17 @@ inline constexpr double kPaceDeadBand = 5;
 const Color& dangerRed();   // limit reached, or a short window at 90 % or more
 const Color& warnOrange();  // ahead of pace
 const Color& underGreen();  // well under pace
+
+// The warning amber of the freshness mark: data ten minutes old or older.
+constexpr Color freshnessAmber() { return Color::legible(0.98, 0.62, 0.16); }
+
+// The progress colour of a usage ring: the application's danger level 2 is a
+// warning, 3 is critical; every other level keeps the brand colour.
+constexpr Color usageRingColor(std::int64_t dangerLevel, Color brand) {
+    if (dangerLevel == 2) return Color::legible(0.98, 0.66, 0.18);
+    if (dangerLevel == 3) return Color::legible(0.93, 0.30, 0.30);
+    return brand;
+}
 
 // Share of the window's time gone at `now`, clamped to 0..1; absent (the window
 // has no pace) without a positive duration or a reset still ahead of `now`.

@@ -10,20 +10,19 @@ namespace {
 
 struct SemanticValue {
     Color::Kind kind;
-    std::string_view name;
     RGBA light;
     RGBA dark;
 };
 
-// One row per kind: raw name and the values of both appearances.
+// One row per kind: the values of both appearances.
 constexpr SemanticValue kColorTable[] = {
-    {Color::Kind::rgb, "rgb", {}, {}},
-    {Color::Kind::primary, "primary", {0, 0, 0, 0.85}, {1, 1, 1, 0.85}},
-    {Color::Kind::secondary, "secondary", {0, 0, 0, 0.62}, {1, 1, 1, 0.62}},
-    {Color::Kind::tertiary, "tertiary", {0, 0, 0, 0.47}, {1, 1, 1, 0.44}},
-    {Color::Kind::quaternary, "quaternary", {0, 0, 0, 0.10}, {1, 1, 1, 0.10}},
-    {Color::Kind::accent, "accent", {0.0, 122 / 255.0, 1.0, 1}, {10 / 255.0, 132 / 255.0, 1.0, 1}},
-    {Color::Kind::windowBackground, "windowBackground", {236 / 255.0, 236 / 255.0, 236 / 255.0, 1},
+    {Color::Kind::rgb, {}, {}},
+    {Color::Kind::primary, {0, 0, 0, 0.85}, {1, 1, 1, 0.85}},
+    {Color::Kind::secondary, {0, 0, 0, 0.62}, {1, 1, 1, 0.62}},
+    {Color::Kind::tertiary, {0, 0, 0, 0.47}, {1, 1, 1, 0.44}},
+    {Color::Kind::quaternary, {0, 0, 0, 0.10}, {1, 1, 1, 0.10}},
+    {Color::Kind::accent, {0.0, 122 / 255.0, 1.0, 1}, {10 / 255.0, 132 / 255.0, 1.0, 1}},
+    {Color::Kind::windowBackground, {236 / 255.0, 236 / 255.0, 236 / 255.0, 1},
      {50 / 255.0, 50 / 255.0, 50 / 255.0, 1}},
 };
 
@@ -56,18 +55,19 @@ bool parseAppearance(std::string_view text, Appearance& out) {
     return false;
 }
 
-std::string_view colorKindName(Color::Kind kind) { return row(kind).name; }
-
-RGBA Color::resolve(Appearance appearance) const {
-    RGBA base = kind_ == Kind::rgb ? RGBA{r_, g_, b_, a_}
-                                   : (appearance == Appearance::dark ? row(kind_).dark : row(kind_).light);
-    RGBA out{clamp01(base.r), clamp01(base.g), clamp01(base.b), clamp01(base.a * opacity_)};
-    if (kind_ == Kind::rgb && contrastFloor_ > 1) {
+RGBA resolve(const Color& color, Appearance appearance) {
+    const SemanticValue& semantic = row(color.kind());
+    const RGBA base = color.isSemantic()
+                          ? (appearance == Appearance::dark ? semantic.dark : semantic.light)
+                          : RGBA{color.red(), color.green(), color.blue(), 1};
+    RGBA out{clamp01(base.r), clamp01(base.g), clamp01(base.b), clamp01(base.a * color.alpha())};
+    if (!color.isSemantic() && color.contrastFloor() > 1) {
         // The ratio's flare term overstates how far a near-black colour stands
         // out from a dark surface (pure black on it measures 1.64:1 and is all
         // but invisible), so the floor is a quarter step higher there.
-        const double floor = appearance == Appearance::dark ? contrastFloor_ + kDarkFloorStep : contrastFloor_;
-        out = render::withContrastFloor(out, surfaceColor(appearance), floor);
+        const double floor =
+            appearance == Appearance::dark ? color.contrastFloor() + kDarkFloorStep : color.contrastFloor();
+        out = withContrastFloor(out, surfaceColor(appearance), floor);
     }
     return out;
 }
@@ -130,7 +130,7 @@ double contrastRatio(RGBA fg, RGBA bg) {
 }
 
 RGBA surfaceColor(Appearance appearance) {
-    RGBA c = Color::windowBackground().resolve(appearance);
+    RGBA c = resolve(Color::windowBackground(), appearance);
     c.a = 1;
     return c;
 }

@@ -1,7 +1,6 @@
 #pragma once
-// Colours of the drawing layer: a plain sRGB value with opacity, or one of the
-// system's semantic colours (label hierarchy, accent, window background) that
-// are resolved for an appearance only when a display list is painted.
+// How the drawing layer resolves a `Color` (platform/color.hpp) for an
+// appearance, and the contrast arithmetic behind its legibility rules.
 //
 // The label hierarchy keeps AppKit's shape (black or white at falling
 // opacities) but with opacities chosen for small text on the window colour:
@@ -17,16 +16,14 @@
 //   accent            #007AFF                    #0A84FF
 //   windowBackground  #ECECEC                    #323232
 //
-// A plain colour may carry a contrast floor: when painted, a colour that
-// stands out from the window background by less than the floor is made
-// lighter (dark appearance) or darker (light appearance) just enough to
-// reach it, keeping its hue. On the dark surface the floor is a quarter
-// step higher, where the ratio flatters near-black colours. Brand colours use it so that a brand of pure
-// black or pure white never vanishes.
+// A plain colour's contrast floor is a quarter step higher on the dark
+// surface, where the ratio flatters near-black colours.
 
 #include <cstdint>
 #include <string>
 #include <string_view>
+
+#include "platform/color.hpp"
 
 namespace mw::render {
 
@@ -60,82 +57,10 @@ RGBA surfaceColor(Appearance appearance);
 // unchanged when it already reaches it. Alpha is kept.
 RGBA withContrastFloor(RGBA color, RGBA background, double ratio);
 
-class Color {
-public:
-    enum class Kind : std::uint8_t {
-        rgb,
-        primary,
-        secondary,
-        tertiary,
-        quaternary,
-        accent,
-        windowBackground,
-    };
-
-    // Transparent black.
-    constexpr Color() = default;
-
-    // Components and opacity in 0..1 (values outside are clamped at paint time).
-    static constexpr Color rgb(double r, double g, double b, double a = 1.0) {
-        return Color(Kind::rgb, r, g, b, a);
-    }
-    // 0..255 components, e.g. rgb8(217, 119, 87).
-    static constexpr Color rgb8(int r, int g, int b, double a = 1.0) {
-        return rgb(r / 255.0, g / 255.0, b / 255.0, a);
-    }
-    static constexpr Color white(double a = 1.0) { return rgb(1, 1, 1, a); }
-    static constexpr Color black(double a = 1.0) { return rgb(0, 0, 0, a); }
-    static constexpr Color gray(double level, double a = 1.0) { return rgb(level, level, level, a); }
-    static constexpr Color clear() { return rgb(0, 0, 0, 0); }
-
-    static constexpr Color primary() { return Color(Kind::primary); }
-    static constexpr Color secondary() { return Color(Kind::secondary); }
-    static constexpr Color tertiary() { return Color(Kind::tertiary); }
-    static constexpr Color quaternary() { return Color(Kind::quaternary); }
-    static constexpr Color accent() { return Color(Kind::accent); }
-    static constexpr Color windowBackground() { return Color(Kind::windowBackground); }
-
-    // The same colour with its opacity multiplied by `factor` (0..1).
-    constexpr Color withOpacity(double factor) const {
-        Color c = *this;
-        c.opacity_ *= factor;
-        return c;
-    }
-
-    // A plain colour that, when painted, is adjusted to stand out from the
-    // window background by at least `ratio` (see above). Semantic colours
-    // are returned unchanged.
-    constexpr Color withContrastFloor(double ratio) const {
-        Color c = *this;
-        if (kind_ == Kind::rgb) c.contrastFloor_ = ratio;
-        return c;
-    }
-    constexpr double contrastFloor() const { return contrastFloor_; }
-
-    constexpr Kind kind() const { return kind_; }
-    constexpr bool isSemantic() const { return kind_ != Kind::rgb; }
-    // The extra opacity applied on top of the base colour (1 unless withOpacity was used).
-    constexpr double opacity() const { return opacity_; }
-
-    // The sRGB value in `appearance`: the base colour with its alpha times opacity().
-    RGBA resolve(Appearance appearance) const;
-
-    bool operator==(const Color&) const = default;
-
-private:
-    constexpr explicit Color(Kind kind, double r = 0, double g = 0, double b = 0, double a = 1)
-        : kind_(kind), r_(r), g_(g), b_(b), a_(a) {}
-
-    Kind kind_ = Kind::rgb;
-    double r_ = 0;
-    double g_ = 0;
-    double b_ = 0;
-    double a_ = 0;
-    double opacity_ = 1;
-    double contrastFloor_ = 0;
-};
-
-// Raw name of a colour kind: "rgb", "primary", "secondary", …
-std::string_view colorKindName(Color::Kind kind);
+// The sRGB value of `color` in `appearance`: a semantic colour takes the
+// appearance's value with its alpha scaled by the colour's; a plain colour
+// with a contrast floor is moved to reach it (see above). Components are
+// clamped to 0..1.
+RGBA resolve(const Color& color, Appearance appearance);
 
 }  // namespace mw::render

@@ -68,7 +68,7 @@ json describe(const DisplayList& list, Appearance appearance) {
                     j["frame"] = rectJSON(op.frame);
                     addShape(j, item.shape);
                     j["paint"] = item.paint == ShapeDraw::Paint::fill ? "fill" : "stroke";
-                    j["color"] = toHex(item.color.resolve(appearance));
+                    j["color"] = toHex(resolve(item.color, appearance));
                     if (item.paint == ShapeDraw::Paint::stroke) j["stroke"] = strokeJSON(item.stroke);
                     if (!item.trim.isFull()) j["trim"] = json::array({rounded(item.trim.from), rounded(item.trim.to)});
                 } else if constexpr (std::is_same_v<T, TextDraw>) {
@@ -83,14 +83,14 @@ json describe(const DisplayList& list, Appearance appearance) {
                     }
                     if (item.scale != 1) j["scale"] = rounded(item.scale);
                     if (item.truncated) j["truncated"] = true;
-                    j["color"] = toHex(item.color.resolve(appearance));
+                    j["color"] = toHex(resolve(item.color, appearance));
                     j["alignment"] = textAlignmentName(item.alignment);
                     if (item.lineLimit) j["lineLimit"] = *item.lineLimit;
                 } else if constexpr (std::is_same_v<T, ImageDraw>) {
                     j["kind"] = "image";
                     j["frame"] = rectJSON(op.frame);
                     j[item.source == ImageDraw::Source::symbol ? "symbol" : "asset"] = item.name;
-                    if (item.tint) j["color"] = toHex(item.tint->resolve(appearance));
+                    if (item.tint) j["color"] = toHex(resolve(*item.tint, appearance));
                 } else if constexpr (std::is_same_v<T, ClipBegin>) {
                     j["kind"] = "clip";
                     j["frame"] = rectJSON(op.frame);

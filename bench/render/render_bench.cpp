@@ -11,6 +11,7 @@
 #include "render/layout.hpp"
 
 using namespace mw::render;
+using mw::Color;
 
 namespace {
 

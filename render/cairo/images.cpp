@@ -145,7 +145,7 @@ void drawImage(cairo_t* cr, const ImageDraw& image, const Rect& frame, Appearanc
     } else {
         path = assetPath(image.name);
     }
-    const RGBA tint = image.tint ? image.tint->resolve(appearance) : Color::gray(0.5).withOpacity(image.opacity).resolve(appearance);
+    const RGBA tint = image.tint ? resolve(*image.tint, appearance) : resolve(Color::gray(0.5).withOpacity(image.opacity), appearance);
     // Symbols are drawn in their tint directly (their strokes use
     // currentColor); other tinted images become a single-colour mask.
     const bool recolored = image.source == ImageDraw::Source::symbol && image.tint;

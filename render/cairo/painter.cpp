@@ -290,7 +290,7 @@ bool snapsToPixels(const ShapeDraw& s) {
 }
 
 void drawShape(cairo_t* cr, const ShapeDraw& s, const Rect& frame, Appearance appearance) {
-    const RGBA c = s.color.resolve(appearance);
+    const RGBA c = resolve(s.color, appearance);
     if (c.a <= 0) return;
     const Rect f = snapsToPixels(s) ? snappedToPixels(cr, frame) : frame;
     trimmedShapePath(cr, s.shape, f, s.trim);
@@ -312,7 +312,7 @@ void drawShape(cairo_t* cr, const ShapeDraw& s, const Rect& frame, Appearance ap
 }
 
 void drawText(cairo_t* cr, PangoContext* context, const TextDraw& t, Rect f, Appearance appearance) {
-    const RGBA c = t.color.resolve(appearance);
+    const RGBA c = resolve(t.color, appearance);
     if (c.a <= 0 || t.runs.empty()) return;
     std::lock_guard lock(textEngine().mutex());
     // The text already fits its frame. Text that layout kept on one line is

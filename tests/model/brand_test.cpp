@@ -7,7 +7,7 @@
 namespace mw {
 namespace {
 
-Color bytes(int r, int g, int b) { return Color::rgb(r / 255.0, g / 255.0, b / 255.0); }
+Color bytes(int r, int g, int b) { return Color::legible(r / 255.0, g / 255.0, b / 255.0); }
 
 TEST(ColorFromHex, TrimsDropsOneHashThenNeedsSixHexCharacters) {
     struct Case {

@@ -329,9 +329,26 @@ TEST(Colors, ResolvePerAppearance) {
         {Color::rgb(2, -1, 0.5, 0.5).withOpacity(0.5), "#FF008040", "#FF008040"},  // clamped
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(toHex(c.color.resolve(Appearance::light)), c.light);
-        EXPECT_EQ(toHex(c.color.resolve(Appearance::dark)), c.dark);
+        EXPECT_EQ(toHex(resolve(c.color, Appearance::light)), c.light);
+        EXPECT_EQ(toHex(resolve(c.color, Appearance::dark)), c.dark);
     }
+}
+
+TEST(Colors, AlphaReplacesOpacityMultipliesAndEqualityIgnoresHowAColourWasBuilt) {
+    const std::pair<Color, Color> same[] = {
+        {Color::rgb(0.2, 0.4, 0.6, 0.5), Color::rgb(0.2, 0.4, 0.6).withOpacity(0.5)},
+        {Color::rgb(0.2, 0.4, 0.6, 0.5), Color::rgb(0.2, 0.4, 0.6, 0.1).withAlpha(0.5)},
+        {Color::secondary(0.25), Color::secondary().withOpacity(0.5).withOpacity(0.5)},
+        {Color::white(0.3), Color::gray(1).withAlpha(0.3)},
+        {Color::legible(0.1, 0.2, 0.3), Color::rgb(0.1, 0.2, 0.3).withContrastFloor(Color::kLegibleContrast)},
+        {Color::primary(), Color::primary().withContrastFloor(3)},  // semantic colours take no floor
+    };
+    for (const auto& [a, b] : same) EXPECT_EQ(a, b) << toHex(resolve(a, Appearance::light));
+    EXPECT_NE(Color::rgb(0, 0, 0), Color::legible(0, 0, 0));
+    EXPECT_NE(Color::primary(), Color::secondary());
+    // Fading a translucent colour keeps it proportionally fainter; replacing does not.
+    EXPECT_EQ(toHex(resolve(Color::primary(0.5).withOpacity(0.5), Appearance::light)), "#00000036");
+    EXPECT_EQ(toHex(resolve(Color::primary(0.5).withAlpha(0.5), Appearance::light)), "#0000006C");
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "render/view.hpp"
 
 using namespace mw::render;
+using mw::Color;
 
 namespace {
 

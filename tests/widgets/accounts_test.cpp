@@ -199,7 +199,7 @@ TEST(AccountRows, ShowWhatEachAccountHas) {
     // The weekly reset has passed: no countdown for it.
     const auto row = draw(body(AccountRow{account(both), kNow, false, 86}), L);
     EXPECT_EQ(textsOf(row), (Texts{"Claude", "Work", "5h", "100%", "2h 10m", "Week", "40%"}));
-    EXPECT_EQ(render::testing::textNamed(row, "100%")->color, toRender(dangerRed()));
+    EXPECT_EQ(render::testing::textNamed(row, "100%")->color, dangerRed());
     EXPECT_EQ(textsOf(draw(body(AccountRow{account(plain), kNow, true, 86}), L)), (Texts{"Codex", "Now", "80%"}));
     EXPECT_EQ(textsOf(draw(body(AccountRow{account(noWindows), kNow, false, 86}), L)), (Texts{"cursor", "$18.40"}));
     EXPECT_EQ(textsOf(draw(body(CompactAccountRow{account(both), kNow, true}), M)),

@@ -18,13 +18,12 @@ using render::ImageDraw;
 using render::Rect;
 using render::ShapeDraw;
 using render::TextDraw;
-using RColor = render::Color;
 using mw::testing::kNow;
 using mw::testing::pacedWindow;
 
 const render::testing::FakeMeasurer kMeasurer;
 const Color kBrand = Color::rgb(0.2, 0.4, 0.6);
-const RColor kTrack = RColor::primary().withOpacity(0.1);
+const Color kTrack = Color::primary().withOpacity(0.1);
 
 DisplayList lay(const render::View& view, render::Size size = {100, 100}) {
     return render::layout(view, size, kMeasurer);
@@ -46,23 +45,13 @@ TEST(ChromeText, AgeTextTruncatesToMinutesThenHoursWithoutDays) {
     for (const auto& [age, text] : cases) EXPECT_EQ(ageText(kNow, kNow - age), text) << age;
 }
 
-TEST(ChromeColour, EveryStyleMapsToItsRenderColourWithItsOpacity) {
-    // Plain colours carry the brand contrast floor; the styles stay as they are.
-    EXPECT_EQ(toRender(Color::rgb(0.1, 0.2, 0.3, 0.4)), RColor::rgb(0.1, 0.2, 0.3, 0.4).withContrastFloor(1.5));
-    EXPECT_EQ(toRender(Color::secondary()), RColor::secondary());
-    EXPECT_EQ(toRender(Color::primary(0.3)), RColor::primary().withOpacity(0.3));
-    EXPECT_EQ(toRender(Color::windowBackground(0.98)), RColor::windowBackground().withOpacity(0.98));
-    EXPECT_EQ(toRender(Color::accent()), RColor::accent());
-    EXPECT_EQ(toRender(Color::tertiary()), RColor::tertiary());
-}
-
 TEST(FreshnessMark, HiddenWhileFreshThenLiveOrAgeTurningAmberAtTenMinutes) {
-    const RColor amber = toRender(Color::rgb(0.98, 0.62, 0.16)), grey = RColor::secondary();
+    const Color amber = Color::legible(0.98, 0.62, 0.16), grey = Color::secondary();
     const struct {
         double age;
         bool always;
         const char* text;  // nullptr: no mark at all
-        RColor color;
+        Color color;
     } cases[] = {{299, false, nullptr, {}},     {300, false, "5m ago", grey}, {59, true, "Live", grey},
                  {60, true, "1m ago", grey},    {599, false, "9m ago", grey}, {600, false, "10m ago", amber},
                  {7200, true, "2h ago", amber}};
@@ -82,14 +71,14 @@ TEST(FreshnessMark, HiddenWhileFreshThenLiveOrAgeTurningAmberAtTenMinutes) {
 }
 
 TEST(UsageRing, FractionIsCappedAndOnlyLevelsTwoAndThreeRecolour) {
-    const RColor brand = toRender(kBrand);
+    const Color brand = kBrand;
     const struct {
         double percent;
         std::int64_t level;
         double trimTo;
-        RColor color;
+        Color color;
     } cases[] = {{42, 0, 0.42, brand}, {100, 1, 1, brand}, {150, 4, 1, brand}, {0, -1, 0, brand},
-                 {-5, 2, 0, toRender(Color::rgb(0.98, 0.66, 0.18))}, {std::nan(""), 3, 0, toRender(Color::rgb(0.93, 0.30, 0.30))}};
+                 {-5, 2, 0, Color::legible(0.98, 0.66, 0.18)}, {std::nan(""), 3, 0, Color::legible(0.93, 0.30, 0.30)}};
     for (const auto& c : cases) {
         const auto ops = shapes(lay(body(UsageRing{c.percent, kBrand, c.level, 9})));
         ASSERT_EQ(ops.size(), 2u);
@@ -111,9 +100,9 @@ TEST(PaceRings, FillTrimAndTickReachTheDisplayList) {
     const auto ops = shapes(lay(body(rings)));
     ASSERT_EQ(ops.size(), 3u);  // track, fill, tick
     EXPECT_EQ(ops[0].frame, (Rect{3.5, 3.5, 93, 93}));
-    EXPECT_EQ(shapeOf(ops[0]).color, RColor::primary().withOpacity(0.09));
+    EXPECT_EQ(shapeOf(ops[0]).color, Color::primary().withOpacity(0.09));
     EXPECT_EQ(shapeOf(ops[1]).trim, (render::Trim{0, 0.3}));
-    EXPECT_EQ(shapeOf(ops[1]).color, toRender(kBrand));
+    EXPECT_EQ(shapeOf(ops[1]).color, kBrand);
     EXPECT_DOUBLE_EQ(ops[1].rotationDegrees, -90);
     // The tick stands on the stroke's centre line at the top, then turns a quarter.
     EXPECT_EQ(ops[2].frame, (Rect{49.2, -1.5, 1.6, 10}));
@@ -133,10 +122,10 @@ TEST(PaceRings, InnerRingSitsInsideAtANinetyPercentTint) {
                           kBrand, kNow};
     const auto ops = shapes(lay(body(rings)));
     ASSERT_EQ(ops.size(), 6u);
-    EXPECT_EQ(shapeOf(ops[1]).color, toRender(dangerRed()));
+    EXPECT_EQ(shapeOf(ops[1]).color, dangerRed());
     EXPECT_EQ(ops[3].frame, (Rect{12.5, 12.5, 75, 75}));
     EXPECT_EQ(shapeOf(ops[3]).stroke.lineWidth, 5);
-    EXPECT_EQ(shapeOf(ops[4]).color, toRender(kBrand).withOpacity(0.9));
+    EXPECT_EQ(shapeOf(ops[4]).color, kBrand.withOpacity(0.9));
     EXPECT_DOUBLE_EQ(ops[5].frame.height, 8);
 }
 
@@ -151,7 +140,7 @@ TEST(PaceTick, WithoutAPaceTheTickHasNoLengthAndFractionsAreClamped) {
         ASSERT_EQ(tick.size(), 1u);
         EXPECT_DOUBLE_EQ(tick[0].rotationDegrees, degrees);
         EXPECT_DOUBLE_EQ(tick[0].frame.midY(), 10);  // the top of a 40-wide square centred in 60
-        EXPECT_EQ(shapeOf(tick[0]).color, RColor::primary().withOpacity(0.6));
+        EXPECT_EQ(shapeOf(tick[0]).color, Color::primary().withOpacity(0.6));
     }
 }
 
@@ -162,7 +151,7 @@ TEST(PaceBar, TrackFillAndTickAtTheElapsedShare) {
     EXPECT_EQ(ops[0].frame.size(), (render::Size{200, 5}));
     EXPECT_EQ(ops[1].frame.origin(), ops[0].frame.origin());
     EXPECT_DOUBLE_EQ(ops[1].frame.width, 60);
-    EXPECT_EQ(shapeOf(ops[1]).color, toRender(kBrand));
+    EXPECT_EQ(shapeOf(ops[1]).color, kBrand);
     EXPECT_DOUBLE_EQ(ops[2].frame.midX(), ops[0].frame.x + 100);
     EXPECT_DOUBLE_EQ(ops[2].frame.midY(), ops[0].frame.midY());
 
@@ -175,21 +164,21 @@ TEST(ProviderMark, LogoWhenTheAssetExistsElseTheInitialOnASolidSquare) {
     ASSERT_EQ(logo.ops.size(), 1u);
     const auto& image = std::get<ImageDraw>(logo.ops[0].item);
     EXPECT_EQ(image.name, "provider-claude");
-    EXPECT_EQ(image.tint, toRender(kBrand));
+    EXPECT_EQ(image.tint, kBrand);
     EXPECT_EQ(logo.ops[0].frame, (Rect{40, 40, 20, 20}));
 
     // The initial contrasts with the square: white on a dark brand, dark on a pale one.
     const Color pale = Color::rgb(1.0, 0.9, 0.5);
     for (const auto& [tool, brand, initial, letter] :
-         {std::tuple{"codex", kBrand, "C", RColor::white()}, {"antigravity", pale, "A", RColor::black(0.85)},
-          {"zeta-2", kBrand, "Z", RColor::white()}}) {
+         {std::tuple{"codex", kBrand, "C", Color::white()}, {"antigravity", pale, "A", Color::black(0.85)},
+          {"zeta-2", kBrand, "Z", Color::white()}}) {
         const auto list = lay(body(ProviderMarkView{tool, brand, 20}));
         const auto square = shapes(list);
         ASSERT_EQ(list.ops.size(), 2u) << tool;  // the square and the initial, no image
         ASSERT_EQ(square.size(), 1u);
         EXPECT_EQ(square[0].frame, (Rect{44, 44, 12, 12}));  // inset 20 × 0.2
         EXPECT_EQ(shapeOf(square[0]).shape.kind, render::ShapeKind::roundedRectangle);
-        EXPECT_EQ(shapeOf(square[0]).color, toRender(brand));  // solid
+        EXPECT_EQ(shapeOf(square[0]).color, brand);  // solid
         const auto& text = std::get<TextDraw>(list.ops[1].item);
         EXPECT_EQ(text.text(), initial);
         EXPECT_EQ(text.color, letter) << tool;
@@ -206,7 +195,7 @@ TEST(EmptyState, SymbolAndTextsAreShownVerbatimAndCentred) {
     const auto& title = std::get<TextDraw>(list.ops[1].item);
     const auto& subtitle = std::get<TextDraw>(list.ops[2].item);
     EXPECT_EQ(symbol.name, "link");
-    EXPECT_EQ(symbol.tint, RColor::secondary());
+    EXPECT_EQ(symbol.tint, Color::secondary());
     EXPECT_EQ(title.text(), state.title);
     EXPECT_EQ(subtitle.text(), state.subtitle);
     EXPECT_EQ(title.runs[0].style.font, render::Font::system(13, render::Weight::semibold));
@@ -220,9 +209,9 @@ TEST(Surface, WindowFillWithAHairlineAlongTheTopAndTheBrandBadge) {
     const auto ops = shapes(lay(body(WidgetSurface{}), {364, 170}));
     ASSERT_EQ(ops.size(), 2u);
     EXPECT_EQ(ops[0].frame, (Rect{0, 0, 364, 170}));
-    EXPECT_EQ(shapeOf(ops[0]).color, RColor::windowBackground().withOpacity(0.98));
+    EXPECT_EQ(shapeOf(ops[0]).color, Color::windowBackground().withOpacity(0.98));
     EXPECT_EQ(ops[1].frame, (Rect{0, 0, 364, 1}));
-    EXPECT_EQ(shapeOf(ops[1]).color, RColor::white(0.06));
+    EXPECT_EQ(shapeOf(ops[1]).color, Color::white(0.06));
 
     const auto badge = lay(body(BrandBadge{}), {170, 40});
     EXPECT_EQ(std::get<ImageDraw>(badge.ops.at(1).item).name, "AppIcon");

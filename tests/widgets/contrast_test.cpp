@@ -27,12 +27,12 @@ TEST(Contrast, LabelHierarchyMeetsItsFloorsAndStaysDistinct) {
     for (const auto appearance : kAppearances) {
         const RGBA surface = render::surfaceColor(appearance);
         // A dashboard card: the surface tinted with primary at 0.05.
-        const RGBA card = over(render::Color::primary().withOpacity(0.05).resolve(appearance), surface);
+        const RGBA card = over(resolve(Color::primary().withOpacity(0.05), appearance), surface);
         for (const RGBA background : {surface, card}) {
-            const auto ratio = [&](render::Color c) { return render::contrastRatio(c.resolve(appearance), background); };
-            const double primary = ratio(render::Color::primary());
-            const double secondary = ratio(render::Color::secondary());
-            const double tertiary = ratio(render::Color::tertiary());
+            const auto ratio = [&](Color c) { return render::contrastRatio(resolve(c, appearance), background); };
+            const double primary = ratio(Color::primary());
+            const double secondary = ratio(Color::secondary());
+            const double tertiary = ratio(Color::tertiary());
             const std::string where{render::appearanceName(appearance)};
             EXPECT_GE(secondary, 4.5) << where;
             EXPECT_GE(tertiary, 3.0) << where;
@@ -59,8 +59,8 @@ TEST(Contrast, BrandColoursAreAdjustedOnlyWhenTheyVanish) {
     };
     for (const auto& c : cases) {
         const Color brand = *colorFromHex(c.hex);
-        const RGBA as = {brand.red, brand.green, brand.blue, 1};
-        const RGBA drawn = toRender(brand).resolve(c.appearance);
+        const RGBA as = {brand.red(), brand.green(), brand.blue(), 1};
+        const RGBA drawn = resolve(brand, c.appearance);
         const RGBA surface = render::surfaceColor(c.appearance);
         const std::string where = std::string(c.hex) + " " + std::string(render::appearanceName(c.appearance));
         if (!c.adjusted) {
@@ -78,14 +78,14 @@ TEST(Contrast, BrandColoursAreAdjustedOnlyWhenTheyVanish) {
 
 TEST(Contrast, AdjustmentKeepsHueAndOpacity) {
     // A pale yellow on the light surface becomes a darker yellow, not a grey.
-    const RGBA drawn = toRender(Color::rgb(1.0, 0.96, 0.69, 0.4)).resolve(Appearance::light);
+    const RGBA drawn = resolve(Color::legible(1.0, 0.96, 0.69, 0.4), Appearance::light);
     EXPECT_DOUBLE_EQ(drawn.a, 0.4);
     EXPECT_GT(drawn.r, drawn.b + 0.2);
     EXPECT_GT(drawn.g, drawn.b + 0.2);
     // The status colours are legible as they are and are never moved.
     for (const auto appearance : kAppearances) {
         for (const Color& status : {dangerRed(), warnOrange(), underGreen()}) {
-            EXPECT_EQ(toRender(status).resolve(appearance), (RGBA{status.red, status.green, status.blue, 1}));
+            EXPECT_EQ(resolve(status, appearance), (RGBA{status.red(), status.green(), status.blue(), 1}));
         }
     }
 }

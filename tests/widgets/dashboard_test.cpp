@@ -256,9 +256,9 @@ TEST(DashboardView, BarsTurnRedFromNinetyPercentAndOneDayShowsOneBar) {
     const auto list = drawn(d, L);  // `bars` points into it
     const auto found = bars(list);
     ASSERT_EQ(found.size(), 3u);
-    EXPECT_EQ(found[0]->color, toRender(Color::rgb(0x11 / 255.0, 0x22 / 255.0, 0x33 / 255.0)));  // the tool's brand
-    EXPECT_EQ(found[1]->color, toRender(dangerRed()));
-    EXPECT_EQ(found[2]->color, toRender(dangerRed()));
+    EXPECT_EQ(found[0]->color, Color::legible(0x11 / 255.0, 0x22 / 255.0, 0x33 / 255.0));  // the tool's brand
+    EXPECT_EQ(found[1]->color, dangerRed());
+    EXPECT_EQ(found[2]->color, dangerRed());
 
     const auto one = drawn(dashboard(0, 1, false), L);
     EXPECT_EQ(bars(one).size(), 1u);
@@ -287,8 +287,8 @@ TEST(DashboardView, HeaderCapsulesAndTheRecordsOwnTimeInTheFooter) {
     d.lastUpdated = kNow - 600;  // wins over the payload's time
     const auto list = drawn(d, L);
     ASSERT_TRUE(hasText(list, "Rate limited"));
-    EXPECT_EQ(textNamed(list, "Rate limited")->color, toRender(dangerRed()));
-    EXPECT_EQ(textNamed(list, "Pro")->color, render::Color::secondary());
+    EXPECT_EQ(textNamed(list, "Rate limited")->color, dangerRed());
+    EXPECT_EQ(textNamed(list, "Pro")->color, Color::secondary());
     EXPECT_TRUE(hasText(list, "Updated 10m ago"));
 }
 
@@ -311,10 +311,10 @@ TEST(DashboardView, CardTexts) {
     auto p = payloadWith(d);
     auto list = lay(entryOf(p, "claude"), L);
     ASSERT_TRUE(hasText(list, "62%"));  // truncated
-    EXPECT_EQ(textNamed(list, "+6% vs pace")->color, toRender(warnOrange()));
+    EXPECT_EQ(textNamed(list, "+6% vs pace")->color, warnOrange());
     // An idle card is quieter but stays legible: its title is secondary, not faded.
-    EXPECT_EQ(textNamed(list, "Idle")->color, render::Color::secondary());
-    EXPECT_EQ(textNamed(list, "Weekly")->color, render::Color::primary());
+    EXPECT_EQ(textNamed(list, "Idle")->color, Color::secondary());
+    EXPECT_EQ(textNamed(list, "Weekly")->color, Color::primary());
 
     p.showRemaining = true;  // the ring shows what is left
     list = lay(entryOf(p, "claude"), L);

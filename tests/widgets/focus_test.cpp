@@ -24,7 +24,6 @@ namespace {
 using render::DisplayList;
 using render::ShapeDraw;
 using render::TextDraw;
-using RColor = render::Color;
 using Texts = std::vector<std::string>;
 using mw::testing::kNow;
 using mw::testing::snapshot;
@@ -103,7 +102,7 @@ TEST(FocusClassic, RingShowsUsedOrLeftWithResetAndAge) {
               render::Font::system(28, render::Weight::bold, render::Design::rounded));
     ASSERT_EQ(shapes(used, true).size(), 1u);
     EXPECT_NEAR(shapes(used, true)[0]->trim.to, 0.627, 1e-9);
-    EXPECT_EQ(shapes(used, true)[0]->color, toRender(Color::rgb(0x11 / 255.0, 0x22 / 255.0, 0x33 / 255.0)));
+    EXPECT_EQ(shapes(used, true)[0]->color, Color::legible(0x11 / 255.0, 0x22 / 255.0, 0x33 / 255.0));
 
     for (const auto& [percent, text, trimTo] :
          {std::tuple{130.0, "0% left", 0.0}, {42.5, "57% left", 0.575}, {-20.0, "120% left", 1.0}}) {
@@ -115,7 +114,7 @@ TEST(FocusClassic, RingShowsUsedOrLeftWithResetAndAge) {
     }
 
     s.brandHex = "not a colour";  // the accent then
-    EXPECT_EQ(shapes(lay(focusClassicView(s, onePayload(s), kNow)), true)[0]->color, RColor::accent());
+    EXPECT_EQ(shapes(lay(focusClassicView(s, onePayload(s), kNow)), true)[0]->color, Color::accent());
 }
 
 TEST(FocusClassic, ResetLineOnlyWhileTheResetIsAhead) {
@@ -160,13 +159,13 @@ TEST(FocusCard, TwoWindowsWithRingCentreRowsAndPace) {
     EXPECT_DOUBLE_EQ(centre.runs[0].style.font.size, 15 * centre.scale);  // an inner ring narrows the hole
     EXPECT_NEAR(centre.runs[1].style.font.size / centre.runs[0].style.font.size, 0.55, 1e-9);
 
-    std::vector<RColor> rowColours;  // 5 h at 91 %: danger; the week 77 % used with 2 of 7 days gone
+    std::vector<Color> rowColours;  // 5 h at 91 %: danger; the week 77 % used with 2 of 7 days gone
     for (const auto& op : list.ops)
         if (const auto* t = std::get_if<TextDraw>(&op.item); t && t->runs[0].style.font.size == 13)
             rowColours.push_back(t->color);
-    EXPECT_EQ(rowColours, (std::vector<RColor>{toRender(dangerRed()), toRender(warnOrange())}));
-    EXPECT_EQ(textOf(list, "0:40").color, RColor::tertiary());
-    EXPECT_EQ(textOf(list, "On pace").color, RColor::secondary());
+    EXPECT_EQ(rowColours, (std::vector<Color>{dangerRed(), warnOrange()}));
+    EXPECT_EQ(textOf(list, "0:40").color, Color::tertiary());
+    EXPECT_EQ(textOf(list, "On pace").color, Color::secondary());
 }
 
 TEST(FocusCard, OneWindowRemainingAndLimitReached) {
@@ -182,8 +181,8 @@ TEST(FocusCard, OneWindowRemainingAndLimitReached) {
     list = lay(body(FocusCard{WidgetAccount{full}, kNow, kNow - 700, false}));
     EXPECT_EQ(texts(list), (Texts{"claude", "11m ago", "104%", "5h", "5h", "104%", "0:25", "Week", "40%", "24:00",
                                   "Limit reached", "resets 0:25"}));  // only the windows the rings draw get a row
-    EXPECT_EQ(textOf(list, "0:25").color, toRender(dangerRed()));
-    EXPECT_EQ(textOf(list, "24:00").color, RColor::tertiary());
+    EXPECT_EQ(textOf(list, "0:25").color, dangerRed());
+    EXPECT_EQ(textOf(list, "24:00").color, Color::tertiary());
     EXPECT_EQ(paceNote(window("5h", 100, -10.0, 18000.0), kNow, false), std::nullopt);
 }
 

@@ -138,14 +138,14 @@ TEST(LimitBoard, RowsRankByRoomLeftWithMissingWindowsLastAndDashed) {
     const auto list = lay(payload, L);
     EXPECT_TRUE(hasText(list, "2d 1h"));
     EXPECT_EQ(texts(list).back(), kDash);
-    EXPECT_EQ(textNamed(list, kDash)->color, render::Color::tertiary());
+    EXPECT_EQ(textNamed(list, kDash)->color, Color::tertiary());
 }
 
 TEST(LimitBoard, FigureTakesTheWindowsFillColourAndProvidersFilterRows) {
     // A short window at 95 %: danger.
     const auto danger = lay(payloadOf({account("a", std::nullopt, 95, 10)}), M, allProvidersChoice(), kFiveHour);
     ASSERT_NE(textNamed(danger, "5%"), nullptr);
-    EXPECT_EQ(textNamed(danger, "5%")->color, toRender(dangerRed()));
+    EXPECT_EQ(textNamed(danger, "5%")->color, dangerRed());
 
     const auto payload = payloadOf({account("claude", std::nullopt, 10, 20), account("codex", std::nullopt, 5, 5),
                                     account("claude", "work", 10, 60)});

@@ -199,7 +199,7 @@ TEST(SparklineView, DrawsHeaderChartAxisAndLinksTheTool) {
 
     for (const char* text : {"Codex \u00B7 Work", "\u22123%", "\u22125h", "\u22122.5h", "now"})
         EXPECT_NE(textNamed(list, text), nullptr) << text;
-    EXPECT_EQ(textNamed(list, "\u22123%")->color, toRender(Color::secondary()));
+    EXPECT_EQ(textNamed(list, "\u22123%")->color, Color::secondary());
     EXPECT_EQ(sparklineTapURL(entry), "meterwick://tool/codex:work");
     EXPECT_EQ(sparklineTapURL(entryOf(payloadOf({}), kHighestUsageID)), "meterwick://open");
     EXPECT_NE(textNamed(draw(entryOf(payloadOf({}), "codex")), "codex is turned off"), nullptr);
@@ -219,7 +219,7 @@ TEST(SparklineView, DrawsHeaderChartAxisAndLinksTheTool) {
         }
     }
     EXPECT_EQ(shapeOf(*paths[0]).paint, ShapeDraw::Paint::fill);
-    EXPECT_EQ(shapeOf(*paths[0]).color, toRender(underGreen()).withOpacity(0.18));
+    EXPECT_EQ(shapeOf(*paths[0]).color, underGreen().withOpacity(0.18));
     EXPECT_FALSE(shapeOf(*paths[1]).stroke.dash.empty());
     EXPECT_EQ(shapeOf(*paths[2]).stroke.join, render::LineJoin::round);
     EXPECT_EQ(shapeOf(*paths[2]).shape.path.elements.front().point.x, 0);  // carried onto the window's start

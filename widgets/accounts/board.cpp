@@ -37,7 +37,7 @@ constexpr std::size_t kSpaciousRowsPerColumn = 3;
 View overflowNote(std::size_t hidden) {
     return Text(overflowNoteText(hidden))
         .font(Font::system(8.5, Weight::semibold))
-        .foreground(render::Color::tertiary())
+        .foreground(Color::tertiary())
         .lineLimit(1);
 }
 

@@ -78,14 +78,14 @@ View nameColumn(const AccountRow& row, const Color& brand, const RowMetrics& m) 
     const Titles titles = titlesOf(row.account);
     View provider = Text(titles.provider)
                         .font(Font::system(m.providerSize, Weight::semibold))
-                        .foreground(render::Color::primary())
+                        .foreground(Color::primary())
                         .lineLimit(1)
                         .minimumScaleFactor(0.9);
     View account;
     if (titles.account) {
         account = Text(*titles.account)
                       .font(Font::system(m.accountSize))
-                      .foreground(render::Color::secondary())
+                      .foreground(Color::secondary())
                       .lineLimit(1)
                       .padding(Edge::leading, m.markSize + kMarkGap);
     }
@@ -101,7 +101,7 @@ View resetLine(const WidgetUsageWindow& window, Date now, double size) {
     return HStack({Image::system("arrow.clockwise").font(Font::system(size - 1.5, Weight::semibold)),
                    Text(*text).font(Font::system(size, Weight::medium)).monospacedDigit()},
                   {.alignment = VAlign::center, .spacing = 2})
-        .foreground(render::Color::tertiary())
+        .foreground(Color::tertiary())
         .lineLimit(1);
 }
 
@@ -111,7 +111,7 @@ View paceLine(const WidgetUsageWindow& window, Date now, double size) {
     if (!text) return {};
     return Text(*text)
         .font(Font::system(size, Weight::semibold))
-        .foreground(toRender(paceColor(window, now)))
+        .foreground(paceColor(window, now))
         .lineLimit(1);
 }
 
@@ -119,13 +119,13 @@ View windowColumn(const WidgetUsageWindow& window, const Color& brand, Date now,
                   const RowMetrics& m, bool spacious) {
     View label = Text(window.label)
                      .font(Font::system(m.labelSize, Weight::medium))
-                     .foreground(render::Color::secondary())
+                     .foreground(Color::secondary())
                      .lineLimit(1);
     View figure = Text(percentText(window, remaining))
                       .font(spacious ? Font::system(m.figureSize, Weight::bold, render::Design::rounded)
                                      : Font::system(m.figureSize, Weight::semibold))
                       .monospacedDigit()
-                      .foreground(toRender(fillColor(window, brand, now)))
+                      .foreground(fillColor(window, brand, now))
                       .lineLimit(1)
                       .layoutPriority(1);
     // The figure is sized first: a long label gives way, the number never.
@@ -143,13 +143,13 @@ View menuBarColumn(const WidgetToolSnapshot& snapshot, const RowMetrics& m) {
     if (snapshot.forecastLabel && !snapshot.forecastLabel->empty()) {
         forecast = Text(*snapshot.forecastLabel)
                        .font(Font::system(m.resetSize, Weight::medium))
-                       .foreground(render::Color::tertiary())
+                       .foreground(Color::tertiary())
                        .lineLimit(1);
     }
     View text = Text(snapshot.menuBarText)
                     .font(Font::system(m.figureSize, Weight::semibold))
                     .monospacedDigit()
-                    .foreground(render::Color::primary())
+                    .foreground(Color::primary())
                     .lineLimit(1);
     return fillWidth(VStack({text, forecast}, {.alignment = HAlign::leading, .spacing = 2}));
 }
@@ -171,11 +171,11 @@ constexpr double kCompactBarWidth = 54;
 // figures line up from row to row whatever the numbers.
 View compactFigure(const WidgetUsageWindow& window, const Color& brand, Date now, bool remaining) {
     View label =
-        Text(window.label).font(Font::system(8.5, Weight::medium)).foreground(render::Color::tertiary()).lineLimit(1);
+        Text(window.label).font(Font::system(8.5, Weight::medium)).foreground(Color::tertiary()).lineLimit(1);
     View figure = Text(percentText(window, remaining))
                       .font(Font::system(11, Weight::semibold))
                       .monospacedDigit()
-                      .foreground(toRender(fillColor(window, brand, now)))
+                      .foreground(fillColor(window, brand, now))
                       .lineLimit(1);
     return HStack({fixedWidth(label, kCompactLabelWidth, Alignment::leading()),
                    fixedWidth(figure, kCompactPercentWidth, Alignment::trailing())},
@@ -186,12 +186,12 @@ View compactName(const WidgetAccount& account) {
     const Titles titles = titlesOf(account);
     View provider = Text(titles.provider)
                         .font(Font::system(11, Weight::semibold))
-                        .foreground(render::Color::primary())
+                        .foreground(Color::primary())
                         .lineLimit(1)
                         .layoutPriority(1);
     View rest;
     if (titles.account) {
-        rest = Text(*titles.account).font(Font::system(10)).foreground(render::Color::secondary()).lineLimit(1);
+        rest = Text(*titles.account).font(Font::system(10)).foreground(Color::secondary()).lineLimit(1);
     }
     // The provider is sized first: when the line is short, the account title
     // is cut before the provider's name is.
@@ -201,13 +201,13 @@ View compactName(const WidgetAccount& account) {
 // ---------------------------------------------------------------- insights
 
 View insightLine(const WidgetInsight& insight) {
-    render::Color tint = render::Color::secondary();
-    if (insight.kind == WidgetInsightKind::runsOut) tint = toRender(warnOrange());
-    if (insight.kind == WidgetInsightKind::headroom) tint = toRender(underGreen());
+    Color tint = Color::secondary();
+    if (insight.kind == WidgetInsightKind::runsOut) tint = warnOrange();
+    if (insight.kind == WidgetInsightKind::headroom) tint = underGreen();
     return HStack({Image::system(insightSymbol(insight.kind)).font(Font::system(8, Weight::semibold)).foreground(tint),
                    Text(insight.text).font(Font::system(9, Weight::medium)).lineLimit(1)},
                   {.alignment = VAlign::center, .spacing = 4})
-        .foreground(render::Color::secondary());
+        .foreground(Color::secondary());
 }
 
 }  // namespace
@@ -262,7 +262,7 @@ View body(const CompactAccountRow& row) {
         children.push_back(Text(row.account.snapshot.menuBarText)
                                .font(Font::system(11, Weight::semibold))
                                .monospacedDigit()
-                               .foreground(render::Color::primary())
+                               .foreground(Color::primary())
                                .lineLimit(1)
                                .layoutPriority(1));
     } else {

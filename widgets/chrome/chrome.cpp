@@ -14,12 +14,6 @@ using render::Font;
 using render::StrokeStyle;
 using render::Weight;
 
-// Plain colours from the model (brands, status colours) stand out from the
-// window background at least this much in either appearance: a brand of pure
-// black on the dark surface, or pure white on the light one, is drawn
-// lightened or darkened just enough. Legible colours are drawn as they are.
-constexpr double kModelColorContrastFloor = 1.5;
-
 // Data younger than this shows no freshness mark unless asked for.
 constexpr double kFreshSeconds = 300;
 // Data this old or older shows its age in amber.
@@ -32,20 +26,6 @@ std::string wholeUnitsAgo(double amount, const char* unit) {
 }
 
 }  // namespace
-
-render::Color toRender(const Color& color) {
-    using RC = render::Color;
-    switch (color.style) {
-        case ColorStyle::rgb:
-            return RC::rgb(color.red, color.green, color.blue, color.opacity).withContrastFloor(kModelColorContrastFloor);
-        case ColorStyle::primary: return RC::primary().withOpacity(color.opacity);
-        case ColorStyle::secondary: return RC::secondary().withOpacity(color.opacity);
-        case ColorStyle::tertiary: return RC::tertiary().withOpacity(color.opacity);
-        case ColorStyle::accent: return RC::accent().withOpacity(color.opacity);
-        case ColorStyle::windowBackground: return RC::windowBackground().withOpacity(color.opacity);
-    }
-    return RC::primary().withOpacity(color.opacity);
-}
 
 // ---------------------------------------------------------------- links
 
@@ -73,7 +53,6 @@ std::string ageText(Date reference, Date earlier) {
 
 render::View body(const WidgetSurface&) {
     using namespace render;
-    using render::Color;
     Frame hairlineFrame;
     hairlineFrame.height = 1;
     hairlineFrame.maxWidth = infinity;
@@ -86,7 +65,6 @@ render::View body(const WidgetSurface&) {
 
 render::View body(const BrandBadge&) {
     using namespace render;
-    using render::Color;
     return HStack(
         {
             Image::asset("AppIcon", ContentMode::stretch).frame(17, 17).clipShape(Shape::roundedRectangle(4)),
@@ -97,7 +75,6 @@ render::View body(const BrandBadge&) {
 
 render::View body(const WidgetEmptyState& state) {
     using namespace render;
-    using render::Color;
     return VStack(
                {
                    Image::system(state.systemImage)
@@ -113,7 +90,6 @@ render::View body(const WidgetEmptyState& state) {
 
 render::View body(const UsageRing& ring) {
     using namespace render;
-    using render::Color;
     double fraction = ring.percent / 100;
     if (!(fraction > 0)) fraction = 0;  // negative, or not a number
     fraction = std::min(fraction, 1.0);
@@ -123,17 +99,16 @@ render::View body(const UsageRing& ring) {
         Circle().stroke(Color::primary().withOpacity(0.1), track),
         Circle()
             .trim(0, fraction)
-            .stroke(toRender(usageRingColor(ring.dangerLevel, ring.brandColor)), progress)
+            .stroke(usageRingColor(ring.dangerLevel, ring.brandColor), progress)
             .rotation(-std::numbers::pi / 2),
     });
 }
 
 render::View body(const FreshnessMark& mark) {
     using namespace render;
-    using render::Color;
     const double age = mark.now - mark.updatedAt;
     if (!mark.always && age < kFreshSeconds) return {};
-    const Color color = age < kAgingSeconds ? Color::secondary() : toRender(freshnessAmber());
+    const Color color = age < kAgingSeconds ? Color::secondary() : freshnessAmber();
     return Text(age < 60 ? "Live" : ageText(mark.now, mark.updatedAt))
         .font(Font::system(8.5, Weight::medium))
         .foreground(color);

@@ -8,18 +8,13 @@
 #include <optional>
 #include <string>
 
-#include "model/color.hpp"
+#include "model/pace.hpp"
 #include "payload/records.hpp"
 #include "platform/date.hpp"
 #include "render/view.hpp"
 #include "widgets/chrome/empty_state.hpp"
 
 namespace mw {
-
-// The model's colour as a drawing colour (styles stay styles). Plain
-// colours carry a contrast floor against the window background, so a brand
-// too close to it is drawn adjusted in lightness.
-render::Color toRender(const Color& color);
 
 // ---- links
 

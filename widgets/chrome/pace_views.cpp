@@ -42,8 +42,7 @@ StrokeStyle ringStroke(double width, LineCap cap) {
 render::View ring(const WidgetUsageWindow& window, const PaceRings& rings, double inset, double width,
                   double fillOpacity) {
     using namespace render;
-    using render::Color;
-    Color fill = toRender(fillColor(window, rings.brand, rings.now));
+    Color fill = fillColor(window, rings.brand, rings.now);
     if (fillOpacity != 1) fill = fill.withOpacity(fillOpacity);
     const PaceTick tick{paceTickFraction(window, rings.now, rings.remaining),
                         paceTickLength(window, rings.now, width)};
@@ -62,7 +61,6 @@ render::View ring(const WidgetUsageWindow& window, const PaceRings& rings, doubl
 
 render::View body(const PaceTick& tick) {
     using namespace render;
-    using render::Color;
     const double degrees = clampedUnit(tick.fraction) * 360;
     const double length = std::max(0.0, tick.length);
     return GeometryReader([degrees, length](Size offered) {
@@ -78,7 +76,6 @@ render::View body(const PaceTick& tick) {
 
 render::View body(const PaceRings& rings) {
     using namespace render;
-    using render::Color;
     std::vector<View> layers{ring(rings.outer, rings, 0, rings.outerWidth, 1)};
     if (rings.inner) {
         layers.push_back(ring(*rings.inner, rings, rings.outerWidth + kRingGap, rings.innerWidth, kInnerFillOpacity));
@@ -88,10 +85,9 @@ render::View body(const PaceRings& rings) {
 
 render::View body(const PaceBar& bar) {
     using namespace render;
-    using render::Color;
     const double height = std::max(0.0, bar.height);
     const double value = shownValue(bar.window, bar.remaining);
-    const Color fill = toRender(fillColor(bar.window, bar.brand, bar.now));
+    const Color fill = fillColor(bar.window, bar.brand, bar.now);
     // The tick marks where the fill should have reached by now (the share that
     // should be left, when the bar shows what is left); none without a pace.
     const bool hasPace = elapsedFraction(bar.window, bar.now).has_value();

@@ -29,23 +29,22 @@ std::string initialOf(const std::string& toolID) {
 }
 
 // Black or white, whichever stands out more from the tool's colour.
-render::Color initialColor(const Color& tool) {
-    const render::RGBA c{tool.red, tool.green, tool.blue, 1};
+Color initialColor(const Color& tool) {
+    const render::RGBA c{tool.red(), tool.green(), tool.blue(), 1};
     const double onWhite = render::contrastRatio({1, 1, 1, 1}, c);
     const double onBlack = render::contrastRatio({0, 0, 0, 1}, c);
-    return onWhite >= onBlack ? render::Color::white() : render::Color::black(0.85);
+    return onWhite >= onBlack ? Color::white() : Color::black(0.85);
 }
 
 // A tool without a logo: its initial, bold, on a solid rounded square in the
 // tool's colour that fills the inset frame, so that it weighs as much as a
 // drawn logo of the same size.
-render::View placeholder(const ProviderMarkView& mark, const render::Color& color) {
+render::View placeholder(const ProviderMarkView& mark, const Color& color) {
     using namespace render;
-    using render::Color;
     const ProviderMark model{mark.toolID, mark.color, mark.size};
     const double inset = providerMarkPlaceholderInset(model);
     const double side = std::max(0.0, mark.size - 2 * inset);
-    const Color letter = mark.color.style == ColorStyle::rgb ? initialColor(mark.color) : Color::white();
+    const Color letter = mark.color.kind() == Color::Kind::rgb ? initialColor(mark.color) : Color::white();
     return ZStack({
                       RoundedRectangle(side * kSquareCornerShare).fill(color),
                       Text(initialOf(mark.toolID))
@@ -61,8 +60,7 @@ render::View placeholder(const ProviderMarkView& mark, const render::Color& colo
 
 render::View body(const ProviderMarkView& mark) {
     using namespace render;
-    using render::Color;
-    const Color color = toRender(mark.color);
+    const Color color = mark.color;
     const std::string asset = providerMarkAssetName(mark.toolID);
     if (!assetExists(asset)) return placeholder(mark, color);
     return Image::asset(asset, ContentMode::fit).templateRendering().foreground(color).frame(mark.size, mark.size);

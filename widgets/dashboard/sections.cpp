@@ -21,7 +21,6 @@ using render::Text;
 using render::VAlign;
 using render::View;
 using render::Weight;
-using RColor = render::Color;
 using M = DashboardMetrics;
 
 namespace {
@@ -50,7 +49,7 @@ Frame fillWidth(double height, Alignment a = Alignment::leading()) {
     return f;
 }
 
-View capsule(const std::string& text, RColor textColor, RColor fill) {
+View capsule(const std::string& text, Color textColor, Color fill) {
     return Text(text)
         .font(Font::system(9, Weight::semibold))
         .foreground(textColor)
@@ -66,7 +65,7 @@ View planCapsule(const std::string& text) {
     Frame f;
     f.minWidth = std::min(kCapsuleMinWidth, static_cast<double>(text.size()) * kCapsuleCharWidth + 12);
     f.alignment = Alignment::leading();
-    return capsule(text, RColor::secondary(), RColor::primary().withOpacity(0.08)).frame(f);
+    return capsule(text, Color::secondary(), Color::primary().withOpacity(0.08)).frame(f);
 }
 
 }  // namespace
@@ -80,13 +79,13 @@ View body(const DashboardHeader& h) {
         planCapsule(h.subscriptionType),
     };
     if (h.isRateLimited)
-        title.push_back(capsule("Rate limited", toRender(dangerRed()), toRender(dangerRed()).withOpacity(0.15))
+        title.push_back(capsule("Rate limited", dangerRed(), dangerRed().withOpacity(0.15))
                             .fixedSize());
     View hidden;
     if (h.hiddenCards > 0)
         hidden = Text("+" + std::to_string(h.hiddenCards) + " more")
                      .font(Font::system(8.5, Weight::semibold))
-                     .foreground(RColor::tertiary())
+                     .foreground(Color::tertiary())
                      .lineLimit(1)
                      .fixedSize();
     return render::HStack(
@@ -130,7 +129,7 @@ View cardRing(const DashboardCard& c) {
     if (c.remaining)
         caption = Text("left")
                       .font(Font::system(m.captionSize, Weight::semibold))
-                      .foreground(RColor::secondary())
+                      .foreground(Color::secondary())
                       .lineLimit(1);
     const double hole = m.side - 2 * m.lineWidth;
     return body(UsageRing{percent, c.tool, c.card.dangerLevel, m.lineWidth})
@@ -144,20 +143,20 @@ std::vector<View> cardTexts(const WidgetUsageCard& card, bool roomy) {
     // An idle card's title is secondary rather than primary: quieter, still legible.
     const View title = render::HStack({render::Image::system(card.icon)
                                            .font(Font::system(size - 1, Weight::semibold))
-                                           .foreground(RColor::secondary()),
+                                           .foreground(Color::secondary()),
                                        Text(card.title)
                                            .font(Font::system(size, Weight::semibold))
-                                           .foreground(card.isIdle ? RColor::secondary() : RColor::primary())},
+                                           .foreground(card.isIdle ? Color::secondary() : Color::primary())},
                                       {.alignment = VAlign::center, .spacing = 3})
                            .lineLimit(1);
     View reset;
     if (!card.resetText.empty())
-        reset = Text(card.resetText).font(Font::system(roomy ? 9.5 : 8.5)).foreground(RColor::tertiary());
+        reset = Text(card.resetText).font(Font::system(roomy ? 9.5 : 8.5)).foreground(Color::tertiary());
     View detail;
     if (const auto text = cardDetailText(card))
         detail = Text(*text)
                      .font(Font::system(roomy ? 9.5 : 8.5, Weight::medium))
-                     .foreground(toRender(cardDetailColor(card)));
+                     .foreground(cardDetailColor(card));
     return {title, reset, detail};
 }
 
@@ -181,7 +180,7 @@ View body(const DashboardCard& c) {
     // lines keep one size.
     return content.lineLimit(1)
         .frame(fillWidth(height, c.wide && !c.roomy ? Alignment::leading() : Alignment::top()))
-        .background(render::RoundedRectangle(kCardCorner).fill(RColor::primary().withOpacity(0.05)));
+        .background(render::RoundedRectangle(kCardCorner).fill(Color::primary().withOpacity(0.05)));
 }
 
 View body(const DashboardCardGrid& grid) {
@@ -239,7 +238,7 @@ Slots slotsFor(const DailyChart& chart, double width) {
 View bars(const DailyChart& chart, render::Size offered) {
     const render::Size size{std::max(0.0, offered.width - kChartGutter), offered.height};
     const Slots s = slotsFor(chart, size.width);
-    const RColor faint = RColor::primary().withOpacity(0.12);
+    const Color faint = Color::primary().withOpacity(0.12);
     constexpr double kLabelHeight = 10;
     std::vector<View> layers{
         render::Path(render::PathData::polyline({{0, size.height / 2}, {size.width, size.height / 2}}, false))
@@ -249,7 +248,7 @@ View bars(const DailyChart& chart, render::Size offered) {
         Text("50%")
             .font(Font::system(7.5, Weight::medium))
             .monospacedDigit()
-            .foreground(RColor::tertiary())
+            .foreground(Color::tertiary())
             .lineLimit(1)
             .frame(kChartGutter, kLabelHeight, Alignment::trailing())
             .offset(size.width, size.height / 2 - kLabelHeight / 2),
@@ -260,7 +259,7 @@ View bars(const DailyChart& chart, render::Size offered) {
         const double h = std::max(kMinBarHeight, fraction * size.height);
         const double x = s.firstX + static_cast<double>(i) * s.slot;
         layers.push_back(render::RoundedRectangle(std::min(2.0, s.bar / 2))
-                             .fill(toRender(dailyBarColor(peak, chart.tool)))
+                             .fill(dailyBarColor(peak, chart.tool))
                              .frame(s.bar, h)
                              .offset(x, size.height - h));
     }
@@ -272,7 +271,7 @@ View dateLabels(const DailyChart& chart, render::Size offered) {
     const render::Size size{std::max(0.0, offered.width - kChartGutter), offered.height};
     const Slots s = slotsFor(chart, size.width);
     const auto label = [](const std::string& text) {
-        return Text(shortDayText(text)).font(Font::system(8)).foreground(RColor::tertiary()).lineLimit(1);
+        return Text(shortDayText(text)).font(Font::system(8)).foreground(Color::tertiary()).lineLimit(1);
     };
     View first;
     if (chart.days.size() >= 2 && size.width - s.firstX >= 2 * kDateLabelRoom)
@@ -287,9 +286,9 @@ View dateLabels(const DailyChart& chart, render::Size offered) {
 View body(const DailyChart& chart) {
     if (chart.days.empty()) return {};
     const View caption =
-        render::HStack({Text("Daily peak").font(Font::system(9, Weight::semibold)).foreground(RColor::secondary()),
+        render::HStack({Text("Daily peak").font(Font::system(9, Weight::semibold)).foreground(Color::secondary()),
                         render::Spacer(4),
-                        Text(chartSpanText(chart.days.size())).font(Font::system(8.5)).foreground(RColor::tertiary())},
+                        Text(chartSpanText(chart.days.size())).font(Font::system(8.5)).foreground(Color::tertiary())},
                        {.alignment = VAlign::center, .spacing = 0})
             .lineLimit(1)
             .frame(fillWidth(M::captionHeight));
@@ -320,7 +319,7 @@ View tableRow(const char* label, std::int64_t input, std::int64_t output, std::i
         {
             Text(label)
                 .font(Font::system(9, Weight::semibold))
-                .foreground(RColor::secondary())
+                .foreground(Color::secondary())
                 .frame(M::tableLabelWidth, M::tableRowHeight, Alignment::leading()),
             render::HStack({cell(countText(input, style), M::tableRowHeight),
                             cell(countText(output, style), M::tableRowHeight),
@@ -340,9 +339,9 @@ View body(const TokenTable& table) {
     const auto& t = table.tokens;
     View model;
     if (t.model && !t.model->empty())
-        model = Text(*t.model).font(Font::system(9)).foreground(RColor::secondary());
+        model = Text(*t.model).font(Font::system(9)).foreground(Color::secondary());
     const View caption =
-        render::HStack({Text("Tokens").font(Font::system(9, Weight::semibold)).foreground(RColor::secondary()),
+        render::HStack({Text("Tokens").font(Font::system(9, Weight::semibold)).foreground(Color::secondary()),
                         render::Spacer(8), model},
                        {.alignment = VAlign::center, .spacing = 0})
             .lineLimit(1)
@@ -354,7 +353,7 @@ View body(const TokenTable& table) {
                                                         cell("Cost", M::tableHeaderHeight)},
                                                        {.alignment = VAlign::center, .spacing = 0})
                                             .font(Font::system(8, Weight::semibold))
-                                            .foreground(RColor::tertiary())},
+                                            .foreground(Color::tertiary())},
                                        {.alignment = VAlign::center, .spacing = 0});
     std::vector<View> rows{header, tableRow("Today", t.todayInput, t.todayOutput, t.todayCache, t.todayCost, table.style)};
     if (table.rows >= 2)
@@ -380,7 +379,7 @@ std::string dashboardFooterText(const DashboardFooter& f) {
 View body(const DashboardFooter& f) {
     return Text(dashboardFooterText(f))
         .font(Font::system(8.5))
-        .foreground(RColor::tertiary())
+        .foreground(Color::tertiary())
         .lineLimit(1)
         .frame(fillWidth(M::footerHeight));
 }

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "model/color.hpp"
+#include "platform/color.hpp"
 #include "payload/records.hpp"
 #include "platform/date.hpp"
 #include "render/view.hpp"

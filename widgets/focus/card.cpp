@@ -68,7 +68,7 @@ View ringCentre(const WidgetUsageWindow& main, bool remaining, RingCentreSize si
                             .minimumScaleFactor(0.6);
     const View caption = Text(remaining ? "left" : main.label)
                              .font(Font::system(8, Weight::semibold))
-                             .foreground(render::Color::secondary())
+                             .foreground(Color::secondary())
                              .lineLimit(1)
                              .minimumScaleFactor(0.8);
     return render::VStack({figure, caption}, {.alignment = HAlign::center, .spacing = 0}).frame(size.side, size.side);
@@ -76,13 +76,13 @@ View ringCentre(const WidgetUsageWindow& main, bool remaining, RingCentreSize si
 
 View windowRow(const WidgetUsageWindow& window, Color brand, Date now, bool remaining) {
     const View label =
-        Text(window.label).font(Font::system(9, Weight::semibold)).foreground(render::Color::secondary()).lineLimit(1);
+        Text(window.label).font(Font::system(9, Weight::semibold)).foreground(Color::secondary()).lineLimit(1);
     const View percent = Text(percentText(shownPercent(window, remaining)))
                              .font(Font::system(13, Weight::bold, render::Design::rounded))
                              .monospacedDigit()
                              .minimumScaleFactor(0.75)
                              .lineLimit(1)
-                             .foreground(toRender(fillColor(window, brand, now)));
+                             .foreground(fillColor(window, brand, now));
     View reset;
     if (window.resetAt) {
         reset = render::HStack({render::Image::system("arrow.clockwise"), Text(countdownText(*window.resetAt - now))},
@@ -91,7 +91,7 @@ View windowRow(const WidgetUsageWindow& window, Color brand, Date now, bool rema
                     .monospacedDigit()
                     .minimumScaleFactor(0.8)
                     .lineLimit(1)
-                    .foreground(toRender(resetLineColor(window)));
+                    .foreground(resetLineColor(window));
     }
     // The label sits over the figure rather than beside it: beside the ring
     // of a small card there is room for "100%" at its full size, but not for
@@ -102,10 +102,10 @@ View windowRow(const WidgetUsageWindow& window, Color brand, Date now, bool rema
 View paceLine(const WidgetUsageWindow& main, Date now, bool remaining) {
     const auto text = paceText(main, now);
     if (!text) return {};
-    const render::Color colour = toRender(paceColor(main, now));
+    const Color colour = paceColor(main, now);
     View note;
     if (const auto n = paceNote(main, now, remaining))
-        note = Text(*n).font(Font::system(9)).foreground(render::Color::tertiary());
+        note = Text(*n).font(Font::system(9)).foreground(Color::tertiary());
     return render::HStack({render::Circle().fill(colour).frame(5, 5),
                            Text(*text).font(Font::system(9, Weight::semibold)).foreground(colour), note},
                           {.alignment = render::VAlign::center, .spacing = 4})
@@ -137,7 +137,7 @@ View figureBody(const WidgetToolSnapshot& s) {
                 .monospacedDigit()
                 .lineLimit(1)
                 .minimumScaleFactor(0.7),
-            Text("No quota window").font(Font::system(9)).foreground(render::Color::tertiary()),
+            Text("No quota window").font(Font::system(9)).foreground(Color::tertiary()),
         },
         {.alignment = HAlign::leading, .spacing = 2});
 }

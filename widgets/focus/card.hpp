@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "model/accounts.hpp"
-#include "model/color.hpp"
+#include "platform/color.hpp"
 #include "payload/records.hpp"
 #include "platform/date.hpp"
 #include "render/view.hpp"

@@ -32,7 +32,7 @@ View ringVariant(const WidgetToolSnapshot& s, const WidgetPayload& payload, Date
     if (s.resetAt && *s.resetAt > now) {
         reset = Text("resets " + countdownText(*s.resetAt - now))
                     .font(Font::system(9, Weight::medium))
-                    .foreground(render::Color::tertiary());
+                    .foreground(Color::tertiary());
     }
     const View texts =
         render::VStack(
@@ -40,14 +40,14 @@ View ringVariant(const WidgetToolSnapshot& s, const WidgetPayload& payload, Date
                 Text(upperCased(s.displayName))
                     .font(Font::system(9, Weight::semibold))
                     .tracking(0.6)
-                    .foreground(render::Color::secondary()),
+                    .foreground(Color::secondary()),
                 Text(percentText(v) + (remaining ? " left" : ""))
                     .font(Font::system(28, Weight::bold, render::Design::rounded))
-                    .foreground(render::Color::primary())
+                    .foreground(Color::primary())
                     .lineLimit(1)
                     .minimumScaleFactor(0.6),
                 reset,
-                Text(ageText(now, payload.updatedAt)).font(Font::system(8)).foreground(render::Color::tertiary()),
+                Text(ageText(now, payload.updatedAt)).font(Font::system(8)).foreground(Color::tertiary()),
             },
             {.alignment = HAlign::center, .spacing = 2})
             .padding(render::Edge::horizontal, 24);
@@ -60,7 +60,7 @@ View textVariant(const WidgetToolSnapshot& s, const WidgetPayload& payload, Date
                    Text(upperCased(s.displayName))
                        .font(Font::system(10, Weight::semibold))
                        .tracking(0.6)
-                       .foreground(render::Color::secondary())
+                       .foreground(Color::secondary())
                        .lineLimit(1)
                        .minimumScaleFactor(0.75),
                    Text(s.menuBarText)
@@ -68,7 +68,7 @@ View textVariant(const WidgetToolSnapshot& s, const WidgetPayload& payload, Date
                        .monospacedDigit()
                        .lineLimit(1)
                        .minimumScaleFactor(0.6),
-                   Text(ageText(now, payload.updatedAt)).font(Font::system(8)).foreground(render::Color::tertiary()),
+                   Text(ageText(now, payload.updatedAt)).font(Font::system(8)).foreground(Color::tertiary()),
                },
                {.alignment = HAlign::center, .spacing = 6})
         .frame(render::Frame::maxInfinity(render::Alignment::center()));

@@ -68,7 +68,7 @@ View fixedHeight(View view, double height) {
 View overflowNote(std::size_t hidden) {
     return Text(overflowNoteText(hidden))
         .font(Font::system(8.5, Weight::semibold))
-        .foreground(render::Color::tertiary())
+        .foreground(Color::tertiary())
         .lineLimit(1);
 }
 
@@ -77,7 +77,7 @@ View header(const AccountsLimitBoard& board, std::size_t hidden) {
     if (board.providerName && !board.providerName->empty()) {
         provider = Text(*board.providerName)
                        .font(Font::system(11, Weight::medium))
-                       .foreground(render::Color::secondary())
+                       .foreground(Color::secondary())
                        .lineLimit(1);
     }
     View title = HStack({Text(limitBoardTitle(board.limit, board.percent))
@@ -104,12 +104,12 @@ View names(const WidgetAccount& account, double providerSize, double accountSize
     if (rest != provider) {
         accountText = Text(rest)
                           .font(Font::system(accountSize))
-                          .foreground(render::Color::secondary())
+                          .foreground(Color::secondary())
                           .lineLimit(1);
     }
     return HStack({Text(provider)
                        .font(Font::system(providerSize, Weight::semibold))
-                       .foreground(render::Color::primary())
+                       .foreground(Color::primary())
                        .lineLimit(1)
                        .layoutPriority(1),
                    accountText},
@@ -118,14 +118,14 @@ View names(const WidgetAccount& account, double providerSize, double accountSize
 
 View figure(const LimitRow& row, WidgetPercentChoice percent, const Color& brand, Date now, Font font) {
     View text = Text(limitRowFigure(row, percent)).font(font).monospacedDigit().lineLimit(1);
-    if (!row.window) return text.foreground(render::Color::tertiary());
-    return text.foreground(toRender(fillColor(*row.window, brand, now)));
+    if (!row.window) return text.foreground(Color::tertiary());
+    return text.foreground(fillColor(*row.window, brand, now));
 }
 
 // The window's bar, or an empty track for an account without it.
 View bar(const LimitRow& row, WidgetPercentChoice percent, const Color& brand, Date now, double height) {
     if (!row.window) {
-        return fixedHeight(render::Capsule().fill(render::Color::primary().withOpacity(kTrackOpacity)), height);
+        return fixedHeight(render::Capsule().fill(Color::primary().withOpacity(kTrackOpacity)), height);
     }
     return fixedHeight(body(PaceBar{*row.window, brand, now, showsRoomLeft(percent), height}), height);
 }
@@ -137,7 +137,7 @@ View resetColumn(const LimitRow& row, Date now, double size = 8.5) {
         content = HStack({Image::system("arrow.clockwise").font(Font::system(size - 1.5, Weight::semibold)),
                           Text(*text).font(Font::system(size, Weight::medium)).monospacedDigit()},
                          {.alignment = VAlign::center, .spacing = 2})
-                      .foreground(render::Color::tertiary())
+                      .foreground(Color::tertiary())
                       .lineLimit(1)
                       .minimumScaleFactor(0.8);
     }
@@ -179,7 +179,7 @@ View fullRow(const LimitRow& row, const AccountsLimitBoard& board, bool spacious
         if (const auto text = paceText(*row.window, board.now)) {
             pace = Text(*text)
                        .font(Font::system(9.5, Weight::semibold))
-                       .foreground(toRender(paceColor(*row.window, board.now)))
+                       .foreground(paceColor(*row.window, board.now))
                        .lineLimit(1);
         }
     }

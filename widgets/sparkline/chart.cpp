@@ -179,7 +179,7 @@ View scaleLabels(const std::vector<SparklinePoint>& points, const SparklineGeome
         layers.push_back(Text(m.text)
                              .font(Font::system(7.5, Weight::medium))
                              .monospacedDigit()
-                             .foreground(render::Color::tertiary())
+                             .foreground(Color::tertiary())
                              .lineLimit(1)
                              .frame(kSparklineScaleGutter, kLabelHeight, Alignment::trailing())
                              .offset(size.width, y));
@@ -190,22 +190,22 @@ View scaleLabels(const std::vector<SparklinePoint>& points, const SparklineGeome
 }  // namespace
 
 View body(const SparklineChart& chart) {
-    const render::Color lineColor = toRender(chart.line);
+    const Color lineColor = chart.line;
     return render::GeometryReader([chart, lineColor](Size offered) {
         const Size size{std::max(0.0, offered.width - kSparklineScaleGutter), offered.height};
         const SparklineGeometry g = sparklineGeometry(chart.points, chart.now, size);
         std::vector<View> layers;
         if (!g.above.empty())
             layers.push_back(pathIn(PathData::polygon(g.above, false), size, [](View path) {
-                return path.fill(toRender(warnOrange()).withOpacity(kAreaOpacity));
+                return path.fill(warnOrange().withOpacity(kAreaOpacity));
             }));
         if (!g.below.empty())
             layers.push_back(pathIn(PathData::polygon(g.below, false), size, [](View path) {
-                return path.fill(toRender(underGreen()).withOpacity(kAreaOpacity));
+                return path.fill(underGreen().withOpacity(kAreaOpacity));
             }));
         layers.push_back(
             pathIn(PathData::polyline({{0, g.baselineY}, {size.width, g.baselineY}}, false), size, [](View path) {
-                return path.stroke(render::Color::tertiary(),
+                return path.stroke(Color::tertiary(),
                                    StrokeStyle{.lineWidth = 1, .cap = LineCap::butt, .dash = {3, 3}});
             }));
         if (g.line.size() >= 2)
@@ -216,7 +216,7 @@ View body(const SparklineChart& chart) {
         if (!g.line.empty()) {
             // The latest point, ringed in the surface colour so it stands off the line.
             const double ringed = kDotSize + 2 * kDotRing;
-            layers.push_back(render::ZStack({render::Circle().fill(render::Color::windowBackground()),
+            layers.push_back(render::ZStack({render::Circle().fill(Color::windowBackground()),
                                              render::Circle().fill(lineColor).frame(kDotSize, kDotSize)})
                                  .frame(ringed, ringed)
                                  .offset(g.latest.x - ringed / 2, g.latest.y - ringed / 2));
@@ -231,7 +231,7 @@ View body(const SparklineTimeAxis&) {
         return Text(text)
             .font(Font::system(8.5, Weight::medium))
             .monospacedDigit()
-            .foreground(render::Color::tertiary())
+            .foreground(Color::tertiary())
             .lineLimit(1)
             .frame(Frame::maxWidthInfinity(alignment));
     };

@@ -5,7 +5,7 @@
 
 #include <vector>
 
-#include "model/color.hpp"
+#include "platform/color.hpp"
 #include "payload/records.hpp"
 #include "platform/date.hpp"
 #include "render/geometry.hpp"

@@ -30,12 +30,12 @@ constexpr double kMarkSize = 14;
 View header(const WidgetToolSnapshot& tool, Color colour, double latest, Date now, Date updatedAt) {
     View caption = Text("5h pace")
                        .font(Font::system(8.5, Weight::semibold))
-                       .foreground(render::Color::tertiary())
+                       .foreground(Color::tertiary())
                        .lineLimit(1);
     View value = Text(signedPercentText(latest))
                      .font(Font::system(15, Weight::bold, render::Design::rounded))
                      .monospacedDigit()
-                     .foreground(toRender(sparklineValueColor(latest)))
+                     .foreground(sparklineValueColor(latest))
                      .lineLimit(1);
     return HStack({body(ProviderMarkView{tool.toolID, colour, kMarkSize}),
                    Text(tool.displayName).font(Font::system(12, Weight::semibold)).lineLimit(1),

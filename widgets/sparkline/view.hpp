@@ -6,7 +6,7 @@
 #include <string>
 
 #include "config/family.hpp"
-#include "model/color.hpp"
+#include "platform/color.hpp"
 #include "render/view.hpp"
 #include "timeline/entries.hpp"
 
