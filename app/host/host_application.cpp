@@ -155,14 +155,10 @@ void HostApplication::startup() {
     termSignal_ = g_unix_signal_add(SIGTERM, quitOnSignal, application_);
     intSignal_ = g_unix_signal_add(SIGINT, quitOnSignal, application_);
 
-    // Widgets on a monitor that came or went are brought into view again.
-    if (GdkDisplay* display = gdk_display_get_default(); display != nullptr) {
-        const auto changed = [this](GdkDisplay*, GdkMonitor*) {
-            monitorsSettle_ = timeoutOnce(kFileChangeDebounceMilliseconds, [this] { monitorsChanged(); });
-        };
-        monitorAdded_ = connect<void(GdkDisplay*, GdkMonitor*)>(display, "monitor-added", changed);
-        monitorRemoved_ = connect<void(GdkDisplay*, GdkMonitor*)>(display, "monitor-removed", changed);
-    }
+    // Widgets on a monitor that came, went or changed its work area are
+    // brought into view again.
+    if (GdkDisplay* display = gdk_display_get_default(); display != nullptr)
+        monitorWatch_ = std::make_unique<MonitorWatch>(display, [this] { monitorsChanged(); });
     registerBusObject();
     watchFiles();
     syncPlacements();
@@ -172,9 +168,7 @@ void HostApplication::startup() {
 // left to end with the process.
 void HostApplication::shutdown() {
     sync_.reset();
-    monitorsSettle_.reset();
-    monitorAdded_.reset();
-    monitorRemoved_.reset();
+    monitorWatch_.reset();
     storeRetry_.reset();
     payloadWatch_.reset();
     storeWatch_.reset();

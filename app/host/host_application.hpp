@@ -15,6 +15,7 @@
 #include <string>
 
 #include "app/host/background_queue.hpp"
+#include "app/host/desktop_monitors.hpp"
 #include "app/host/desktop_watch.hpp"
 #include "app/host/display_route.hpp"
 #include "app/host/glib_support.hpp"
@@ -132,8 +133,7 @@ class HostApplication {
     std::unique_ptr<ContainerWatch> payloadWatch_;
     std::unique_ptr<FileWatch> storeWatch_;
     Source sync_;
-    Source monitorsSettle_;  // a burst of monitor changes is handled once
-    Connection monitorAdded_, monitorRemoved_;
+    std::unique_ptr<MonitorWatch> monitorWatch_;
     Source storeRetry_;  // a widgets.json that did not parse is read again shortly
     unsigned storeRetries_ = 0;
     std::string storeProblem_;  // the last problem reported, so a retry does not repeat it

@@ -34,18 +34,41 @@ struct Placed {
 // Whether DESKTOP shows widget W at AT. mutter alone offers no screenshot
 // to a client and XWayland's root window holds no pixels: there its window
 // manager's view of the window's place stands in for the screen.
-bool shownOn(const std::string& desktop, const Sandbox& box, const Placed& w, WidgetPosition at, const char* shot) {
-    if (desktop == "mutter") {
-        const std::string where = "Position: " + std::to_string(at.x) + "," + std::to_string(at.y) + " ";
-        std::string seen;
-        const bool found = waitFor([&] {
+// Whether the X11 window manager comes to have widget W's window at AT.
+::testing::AssertionResult placedAt(const Placed& w, WidgetPosition at) {
+    const std::string where = "Position: " + std::to_string(at.x) + "," + std::to_string(at.y) + " ";
+    std::string seen;
+    if (waitFor([&] {
             seen = run("xdotool getwindowgeometry " + x11Window(w.title)).out;
             return seen.find(where) != std::string::npos;
-        }, 15s);
-        if (!found) ADD_FAILURE() << w.title << " not at " << where << ": " << seen;
-        return found;
+        }, 15s))
+        return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << w.title << " not at " << where << ": " << seen;
+}
+
+bool shownOn(const std::string& desktop, const Sandbox& box, const Placed& w, WidgetPosition at, const char* shot) {
+    if (desktop == "mutter") {
+        const auto placed = placedAt(w, at);
+        if (!placed) ADD_FAILURE() << placed.message();
+        return placed;
     }
     return drawnAt(desktop, readImage(box.snapshots / (w.id + ".png")), at, shot);
+}
+
+// A panel 200 points tall along the top of the screen comes and goes: the
+// widget under it is shown below it while it is there and goes back after,
+// and its stored place never changes, the user not having moved it.
+void panelComesAndGoes(const Sandbox& box, const Placed& w) {
+    const auto made = run("(xmessage -geometry 1920x40+0+0 -title Panel 'a panel' &) ; sleep 0.5");
+    ASSERT_TRUE(waitFor([] { return !x11Window("Panel").empty(); })) << made.err;
+    const auto panel = x11Window("Panel");
+    run("xprop -id " + panel + " -f _NET_WM_STRUT_PARTIAL 32c -set _NET_WM_STRUT_PARTIAL '0, 0, 200, 0, 0, 0, 0, 0, 0, 1919, 0, 0'");
+    ASSERT_TRUE(waitFor([] { return run("xprop -root _NET_WORKAREA").out.find("= 0, 200, 1920, 880") != std::string::npos; }))
+        << "the window manager keeps no room for the panel: " << run("xprop -root _NET_WORKAREA").out;
+    EXPECT_TRUE(placedAt(w, {w.at.x, 200})) << box.hostLog();
+    run("xdotool windowkill " + panel);
+    EXPECT_TRUE(placedAt(w, w.at)) << box.hostLog();
+    EXPECT_EQ(box.storedPosition(w.id), w.at) << "a place the user did not choose is not saved";
 }
 
 // Exported to every scenario's host: drawn light, with no accessibility bus.
@@ -105,6 +128,8 @@ void scenario(const std::string& desktop) {
         ASSERT_NE(coverAt, std::string::npos) << stacking;
         EXPECT_LT(widgetAt, coverAt) << "the widget is stacked below the normal window: " << stacking;
         run("xdotool search --name '^Cover$' windowkill");
+
+        panelComesAndGoes(box, widgets[0]);
     }
 
     // A drag by a known distance moves the widget by exactly that much and
