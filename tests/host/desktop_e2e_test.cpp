@@ -52,6 +52,10 @@ bool shownOn(const std::string& desktop, const Sandbox& box, const Placed& w, Wi
         if (!placed) ADD_FAILURE() << placed.message();
         return placed;
     }
+    if (desktop != "sway" && x11Window(w.title).empty()) {
+        ADD_FAILURE() << w.title << " is not shown";
+        return false;
+    }
     return drawnAt(desktop, readImage(box.snapshots / (w.id + ".png")), at, shot);
 }
 
@@ -130,6 +134,13 @@ void scenario(const std::string& desktop) {
         run("xdotool search --name '^Cover$' windowkill");
 
         panelComesAndGoes(box, widgets[0]);
+
+        // "Show desktop" leaves the widgets where they are, drawn.
+        ASSERT_EQ(run("wmctrl -k on").status, 0);
+        EXPECT_TRUE(waitFor([] { return run("xprop -root _NET_SHOWING_DESKTOP").out.find("= 1") != std::string::npos; }))
+            << desktop << " did not show the desktop";
+        EXPECT_TRUE(shownOn(desktop, box, widgets[0], widgets[0].at, "show-desktop.png")) << desktop;
+        run("wmctrl -k off");
     }
 
     // A drag by a known distance moves the widget by exactly that much and
@@ -196,6 +207,8 @@ TEST(DesktopEndToEnd, Openbox) { inDesktop("openbox"); }
 TEST(DesktopEndToEnd, Sway) { inDesktop("sway"); }
 TEST(DesktopEndToEnd, SwayTwoOutputs) { inDesktop("sway-outputs"); }
 TEST(DesktopEndToEnd, Mutter) { inDesktop("mutter"); }
+TEST(DesktopEndToEnd, Xfwm4) { inDesktop("xfwm4"); }
+TEST(DesktopEndToEnd, KWin) { inDesktop("kwin"); }
 
 }  // namespace
 }  // namespace mw

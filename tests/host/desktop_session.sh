@@ -7,6 +7,8 @@
 #   openbox  Xvfb with openbox (X11)
 #   sway     sway on the headless wlroots backend (layer-shell)
 #   mutter   GNOME's mutter headless, Wayland without layer-shell, XWayland
+#   xfwm4    Xvfb with Xfce's window manager (X11)
+#   kwin     Xvfb with KDE's KWin as an X11 window manager
 # COMMAND finds DISPLAY / WAYLAND_DISPLAY / SWAYSOCK set as a client of that
 # desktop would, XDG_CURRENT_DESKTOP naming it, and MW_DESKTOP_DIR a private
 # directory it may use. sway refuses to run as root, so when started as root
@@ -15,14 +17,14 @@ set -euo pipefail
 
 stage=outer
 if [ "${1:-}" = --as-user ] || [ "${1:-}" = --in-session ]; then stage=${1#--}; shift; fi
-desktop=${1:?desktop: openbox, sway or mutter}; shift
+desktop=${1:?desktop: openbox, sway, mutter, xfwm4 or kwin}; shift
 self=$(readlink -f "$0")
 
 fail() { echo "desktop_session: $*" >&2; exit 1; }
 
 case "$stage" in
 outer)
-    case "$desktop" in openbox|sway|mutter) ;; *) fail "unknown desktop \"$desktop\"" ;; esac
+    case "$desktop" in openbox|sway|mutter|xfwm4|kwin) ;; *) fail "unknown desktop \"$desktop\"" ;; esac
     work=$(mktemp -d /tmp/mw-desktop.XXXXXX)
     trap 'rm -rf "$work"' EXIT
     chmod 755 "$work"
@@ -72,18 +74,32 @@ wait_for() {
 need() { command -v "$1" >/dev/null || fail "$desktop needs $1, which is not installed (scripts/test installs it)"; }
 
 case "$desktop" in
-openbox)
-    need Xvfb; need openbox; need xprop
+openbox|xfwm4|kwin)
+    window_manager=$desktop
+    [ "$desktop" = kwin ] && window_manager=kwin_x11
+    need Xvfb; need "$window_manager"; need xprop
     exec 3>"$MW_DESKTOP_DIR/display"
     Xvfb -displayfd 3 -screen 0 1920x1080x24 -nolisten tcp >"$log" 2>&1 &
     pids+=($!)
     exec 3>&-
     wait_for 20 "${pids[0]}" test -s "$MW_DESKTOP_DIR/display"
     export DISPLAY=":$(head -n 1 "$MW_DESKTOP_DIR/display")"
-    openbox --sm-disable >>"$log" 2>&1 &
+    # Services the bus starts for the window manager (KDE's shortcut daemon)
+    # need the display too.
+    dbus-update-activation-environment DISPLAY >>"$log" 2>&1 || true
+    case "$desktop" in
+    openbox) openbox --sm-disable >>"$log" 2>&1 & ;;
+    xfwm4) xfwm4 --compositor=off --sm-client-disable >>"$log" 2>&1 & ;;
+    kwin) QT_QPA_PLATFORM=xcb KWIN_COMPOSE=N kwin_x11 >>"$log" 2>&1 & ;;
+    esac
     pids+=($!)
-    wait_for 20 "${pids[1]}" sh -c 'xprop -root _NET_SUPPORTING_WM_CHECK | grep -q "window id"'
-    export XDG_CURRENT_DESKTOP=openbox XDG_SESSION_TYPE=x11
+    wait_for 30 "${pids[1]}" sh -c 'xprop -root _NET_SUPPORTING_WM_CHECK | grep -q "window id"'
+    case "$desktop" in
+    openbox) export XDG_CURRENT_DESKTOP=openbox ;;
+    xfwm4) export XDG_CURRENT_DESKTOP=XFCE ;;
+    kwin) export XDG_CURRENT_DESKTOP=KDE ;;
+    esac
+    export XDG_SESSION_TYPE=x11
     ;;
 sway)
     need sway; need swaymsg
