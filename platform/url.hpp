@@ -15,4 +15,16 @@ std::string escapeURLPath(std::string_view path);
 // the key is empty.
 std::string toolURL(std::string_view toolKey);
 
+// What a meterwick:// URL asks for: the application ("meterwick://open"), a
+// tool's dashboard ("meterwick://tool/KEY", KEY unescaped), or nothing this
+// program knows. Scheme and host are matched without regard to case, as URLs
+// are; a query or fragment is ignored.
+struct AppLink {
+    enum class Kind { open, tool, unknown };
+    Kind kind = Kind::unknown;
+    std::string toolKey;
+    bool operator==(const AppLink&) const = default;
+};
+AppLink parseAppURL(std::string_view url);
+
 }  // namespace mw

@@ -83,6 +83,26 @@ TEST(ToolURL, BuildsToolLinksAndFallsBackToOpen) {
     EXPECT_EQ(toolURL(""), "meterwick://open");
 }
 
+// Every key a widget links survives the round trip; what is not ours, or
+// is malformed, is unknown rather than a guess.
+TEST(ToolURL, ParsesWhatItBuilds) {
+    for (const char* key : {"claude", "codex-cli:work", "my team", "café", "a?b#c%d", "[x]/y"})
+        EXPECT_EQ(parseAppURL(toolURL(key)), (AppLink{AppLink::Kind::tool, key})) << key;
+    const AppLink open{AppLink::Kind::open, {}};
+    const AppLink unknown{};
+    struct Case {
+        const char* url;
+        AppLink link;
+    };
+    for (const auto& c : {Case{"meterwick://open", open}, Case{"METERWICK://Open/", open},
+                          Case{"meterwick://tool/claude?from=bar#x", {AppLink::Kind::tool, "claude"}},
+                          Case{"meterwick://tool/", unknown}, Case{"meterwick://tool", unknown},
+                          Case{"meterwick://tool/a%2", unknown}, Case{"meterwick://tool/%zz", unknown},
+                          Case{"meterwick://settings", unknown}, Case{"meterwick://open/extra", unknown},
+                          Case{"https://tool/claude", unknown}, Case{"", unknown}})
+        EXPECT_EQ(parseAppURL(c.url), c.link) << c.url;
+}
+
 TEST(BundleInfo, DescribesTheBinaryHoldingTheCode) {
     static const int marker = 0;
     const auto info = bundleInfoContaining(&marker);
