@@ -16,6 +16,7 @@ MW_PACKAGES=(
   xfwm4 kwin-x11 wmctrl
   clang libclang-rt-14-dev
   python3-jsonschema
+  at-spi2-core python3-pyatspi   # the accessibility end-to-end tests read the tree over AT-SPI
   scdoc lintian appstream desktop-file-utils systemd dpkg-dev fakeroot
 )
 

@@ -7,16 +7,19 @@
 #include <csignal>
 #include <cstdlib>
 
+#include "app/host/dashboard_window.hpp"
 #include "app/host/desktop_monitors.hpp"
 #include "app/host/dialogs.hpp"
 #include "app/host/widget_window.hpp"
 #include "host/bus.hpp"
 #include "host/desktop.hpp"
 #include "host/session.hpp"
+#include "host/spoken.hpp"
 #include "payload/self_report.hpp"
 #include "payload/store.hpp"
 #include "platform/clock.hpp"
 #include "platform/container.hpp"
+#include "platform/url.hpp"
 
 namespace mw::host {
 namespace {
@@ -100,12 +103,23 @@ void ContainerWatch::arm() {
 }
 
 HostApplication::HostApplication(HostDisplay display)
-    : display_(display), application_(gtk_application_new(kHostBusName, G_APPLICATION_DEFAULT_FLAGS)) {
+    : display_(display), application_(gtk_application_new(kHostBusName, G_APPLICATION_HANDLES_OPEN)) {
     g_set_application_name("Meterwick Widgets");
     connectForLife<void(GApplication*)>(application_, "startup", [this](GApplication*) { startup(); });
     connectForLife<void(GApplication*)>(application_, "shutdown", [this](GApplication*) { shutdown(); });
     // Started again while running: the windows are already there.
     connectForLife<void(GApplication*)>(application_, "activate", [](GApplication*) {});
+    // A meterwick:// link from the desktop (the host is its handler), on the
+    // command line or from another start, reaches the running instance here.
+    connectForLife<void(GApplication*, GFile**, gint, gchar*)>(
+        application_, "open", [this](GApplication*, GFile** files, gint count, gchar*) {
+            for (gint i = 0; i < count; ++i) {
+                gchar* uri = g_file_get_uri(files[i]);
+                const std::string url = uri != nullptr ? uri : "";
+                g_free(uri);
+                followLink(url, std::nullopt);
+            }
+        });
 }
 
 HostApplication::~HostApplication() {
@@ -177,6 +191,8 @@ void HostApplication::shutdown() {
     busRegistration_ = 0;
     if (introspection_ != nullptr) g_dbus_node_info_unref(std::exchange(introspection_, nullptr));
     addDialog_.reset();
+    dropDashboards_.reset();
+    dashboards_.clear();
     windows_.clear();
     desktopWatch_.reset();
     builds_.reset();
@@ -311,7 +327,7 @@ std::unique_ptr<WidgetWindow> HostApplication::makeWindow(const PlacedWidget& pl
                                           const std::string& value) { setParameter(id, name, value); },
             .removeRequested = [this, id] { removeWidget(id); },
             .addRequested = [this](WidgetPosition near) { showAddDialog(near); },
-            .openURL = [this](const std::string& url) { openURL(url); },
+            .openURL = [this](const std::string& url, GdkRectangle from) { openURL(url, from); },
             .container = [this] { return providerContext().container; },
             .timerFired = [this] { ++counters_.timerWakeUps; },
             .snapshotDirectory = snapshotDirectory_,
@@ -321,17 +337,66 @@ std::unique_ptr<WidgetWindow> HostApplication::makeWindow(const PlacedWidget& pl
 }
 
 // Tests set MW_URL_HANDLER to a command that is run as `command URL` instead
-// of the desktop's handler.
-void HostApplication::openURL(const std::string& url) const {
+// of the desktop's handler. Otherwise the desktop's handler of the scheme
+// has it first; a meterwick:// link that nothing else handles (or that this
+// host's own entry handles) is followed here.
+void HostApplication::openURL(const std::string& url, std::optional<GdkRectangle> from) {
     GError* raw = nullptr;
     if (const char* handler = std::getenv("MW_URL_HANDLER"); handler != nullptr && *handler != '\0') {
         const gchar* argv[] = {handler, url.c_str(), nullptr};
         g_spawn_async(nullptr, const_cast<gchar**>(argv), nullptr, G_SPAWN_DEFAULT, nullptr, nullptr, nullptr, &raw);
     } else {
+        gchar* scheme = g_uri_parse_scheme(url.c_str());
+        ObjectRef<GAppInfo> other(scheme != nullptr ? g_app_info_get_default_for_uri_scheme(scheme) : nullptr);
+        const bool ours = scheme != nullptr && g_ascii_strcasecmp(scheme, "meterwick") == 0;
+        g_free(scheme);
+        const char* otherID = other ? g_app_info_get_id(other.get()) : nullptr;
+        const bool self = otherID != nullptr && std::string(otherID) == std::string(kDesktopEntryID) + ".desktop";
+        if (ours && (!other || self)) {
+            followLink(url, from);
+            return;
+        }
         g_app_info_launch_default_for_uri(url.c_str(), nullptr, &raw);
     }
     ErrorRef error(raw);
     if (raw != nullptr) report("cannot open " + url + ": " + raw->message);
+}
+
+void HostApplication::followLink(const std::string& url, std::optional<GdkRectangle> from) {
+    const auto link = parseAppURL(url);
+    switch (link.kind) {
+        case AppLink::Kind::open:
+            showAddDialog(from ? std::optional<WidgetPosition>({from->x, from->y}) : std::nullopt);
+            return;
+        case AppLink::Kind::tool:
+            showDashboard(link.toolKey, from);
+            return;
+        case AppLink::Kind::unknown:
+            break;
+    }
+    report("cannot open " + url + ": the widget host opens only meterwick://open and meterwick://tool/KEY links");
+}
+
+void HostApplication::showDashboard(const std::string& toolKey, std::optional<GdkRectangle> from) {
+    // A link may name an account since gone; the dashboard shows its tool.
+    const auto key = linkedToolKey(WidgetStore::load(providerContext().container).payload, toolKey);
+    auto& window = dashboards_[key];
+    if (!window)
+        window = std::make_unique<DashboardWindow>(
+            key, from,
+            DashboardWindow::Callbacks{
+                .appearance = [this] { return appearance_; },
+                .build = [this](const PlacedWidget& p, const WidgetDeclaration& w,
+                                WidgetSchedule::Built done) { build(p, w, std::move(done)); },
+                .closed =
+                    [this] {
+                        dropDashboards_ = idleOnce([this] {
+                            std::erase_if(dashboards_, [](const auto& entry) { return !entry.second->visible(); });
+                        });
+                    },
+                .application = application_,
+            });
+    window->present();
 }
 
 std::set<std::string> HostApplication::syncPlacements() {
@@ -381,6 +446,7 @@ std::set<std::string> HostApplication::syncPlacements() {
 void HostApplication::reloadAll(std::function<void()> done) {
     const auto each = afterAll(windows_.size(), std::move(done));
     for (auto& [id, window] : windows_) window->reload(each);
+    for (auto& [key, dashboard] : dashboards_) dashboard->reload();
 }
 
 void HostApplication::reloadKind(std::string_view kind, std::function<void()> done) {
@@ -394,6 +460,7 @@ void HostApplication::reloadKind(std::string_view kind, std::function<void()> do
 
 void HostApplication::recheckAll() {
     for (auto& [id, window] : windows_) window->recheck();
+    for (auto& [key, dashboard] : dashboards_) dashboard->recheck();
 }
 
 void HostApplication::setAppearance(render::Appearance appearance) {
@@ -401,6 +468,7 @@ void HostApplication::setAppearance(render::Appearance appearance) {
     appearance_ = appearance;
     for (auto& [id, window] : windows_) window->appearanceChanged();
     if (addDialog_) addDialog_->appearanceChanged();
+    for (auto& [key, dashboard] : dashboards_) dashboard->appearanceChanged();
 }
 
 // Windows ask for edits from their own signal handlers; the edit waits for

@@ -27,6 +27,7 @@ namespace mw::host {
 
 class WidgetWindow;
 class AddWidgetDialog;
+class DashboardWindow;
 
 // What the host counts, for Status() and the idle measurements.
 struct HostCounters {
@@ -89,7 +90,12 @@ class HostApplication {
     void build(const PlacedWidget& placed, const WidgetDeclaration& widget,
                std::function<void(std::optional<AnyTimeline>)> done);
     std::unique_ptr<WidgetWindow> makeWindow(const PlacedWidget& placed, const ResolvedPlacement& resolved);
-    void openURL(const std::string& url) const;
+    // A link followed from a widget (on the desktop at `from`) or handed over
+    // by the desktop.
+    void openURL(const std::string& url, std::optional<GdkRectangle> from);
+    // meterwick:// links this host answers itself.
+    void followLink(const std::string& url, std::optional<GdkRectangle> from);
+    void showDashboard(const std::string& toolKey, std::optional<GdkRectangle> from);
 
     // Re-reads widgets.json and makes the windows match it; the ids of the
     // windows it opened.
@@ -120,6 +126,8 @@ class HostApplication {
     std::map<std::string, std::unique_ptr<WidgetWindow>> windows_;
     std::set<std::string> reportedPlacementProblems_;
     std::unique_ptr<AddWidgetDialog> addDialog_;
+    std::map<std::string, std::unique_ptr<DashboardWindow>> dashboards_;  // by tool key
+    Source dropDashboards_;  // closed ones go outside their signal
     std::optional<WidgetPosition> addNear_;  // the widget whose menu opened the dialog
     render::Appearance appearance_ = render::Appearance::light;
     std::unique_ptr<DesktopWatch> desktopWatch_;

@@ -4,6 +4,7 @@
 
 #include "app/host/desktop_monitors.hpp"
 #include "app/host/dialogs.hpp"
+#include "host/spoken.hpp"
 #include "render/display_list.hpp"
 
 namespace mw::host {
@@ -24,6 +25,8 @@ WidgetWindow::WidgetWindow(PlacedWidget placed, ResolvedPlacement resolved, Widg
     gtk_window_set_title(window, std::string(widget().displayName).c_str());
     gtk_window_set_role(window, "meterwick-widget");
     if (callbacks_.application != nullptr) gtk_window_set_application(window, callbacks_.application);
+    access_ = std::make_unique<WidgetAccess>(
+        window, [this](const std::string& url) { callbacks_.openURL(url, screenRect()); });
 
     // Window managers will not move a desktop-type window, so the host moves
     // it; a utility window is moved by the window manager.
@@ -37,12 +40,15 @@ WidgetWindow::WidgetWindow(PlacedWidget placed, ResolvedPlacement resolved, Widg
                                                .edit = [this] { showEditDialog(); },
                                                .remove = [this] { callbacks_.removeRequested(); },
                                                .add = [this] { callbacks_.addRequested(placement_.position()); },
+                                               .leave = [this] { access_->leave(); },
                                            });
     input_->setEditable(widget().intent != nullptr);
 
     draw_ = connect<gboolean(GtkWidget*, cairo_t*)>(window_.get(), "draw", [this](GtkWidget*, cairo_t* cr) {
-        surface_.draw(cr, callbacks_.appearance());
-        return TRUE;
+        const auto appearance = callbacks_.appearance();
+        surface_.draw(cr, appearance);
+        access_->drawFocus(cr, appearance);
+        return TRUE;  // the link children draw nothing of their own
     });
     scale_ = connect<void(GObject*, GParamSpec*)>(window_.get(), "notify::scale-factor",
                                                   [this](GObject*, GParamSpec*) { presentationChanged(); });
@@ -56,6 +62,7 @@ WidgetWindow::WidgetWindow(PlacedWidget placed, ResolvedPlacement resolved, Widg
 WidgetWindow::~WidgetWindow() {
     editDialog_.reset();
     input_.reset();
+    access_.reset();
     gtk_widget_destroy(window_.get());
 }
 
@@ -127,7 +134,10 @@ void WidgetWindow::appearanceChanged() {
 }
 
 void WidgetWindow::showEntry(const AnyTimeline& timeline, std::size_t entry) {
-    surface_.show(timeline.entries[entry], resolved_.family);
+    const auto& shown = timeline.entries[entry];
+    surface_.show(shown, resolved_.family);
+    const auto& list = surface_.list();
+    access_->update(spokenName(widget(), shown), spokenContent(list), list.tapURL, list.size);
     presentationChanged();
 }
 
@@ -151,10 +161,16 @@ void WidgetWindow::removeSnapshot() const {
     if (callbacks_.snapshotDirectory) host::removeSnapshot(*callbacks_.snapshotDirectory, placed_.id);
 }
 
+GdkRectangle WidgetWindow::screenRect() const {
+    const auto position = placement_.position();
+    const auto [width, height] = pixelSize();
+    return {position.x, position.y, width, height};
+}
+
 // The link under the pointer (a row), else the widget's own URL.
 void WidgetWindow::openLinkAt(PointerPoint at) const {
     const auto url = render::urlAt(surface_.list(), {at.x, at.y});
-    if (!url.empty()) callbacks_.openURL(url);
+    if (!url.empty()) callbacks_.openURL(url, screenRect());
 }
 
 void WidgetWindow::showEditDialog() {

@@ -13,6 +13,7 @@
 #include <string>
 
 #include "app/host/glib_support.hpp"
+#include "app/host/widget_access.hpp"
 #include "app/host/widget_schedule.hpp"
 #include "app/host/widget_surface.hpp"
 #include "app/host/window_input.hpp"
@@ -38,7 +39,9 @@ struct WidgetWindowCallbacks {
     // "Add Widget…" from this widget's menu; `near` is where it stands, in
     // desktop coordinates.
     std::function<void(WidgetPosition near)> addRequested;
-    std::function<void(const std::string& url)> openURL;
+    // A link of this widget was followed; `widget` is where the widget is, in
+    // desktop coordinates, for a window the link opens beside it.
+    std::function<void(const std::string& url, GdkRectangle widget)> openURL;
     std::function<std::optional<std::filesystem::path>()> container;  // for the Edit Widget choice lists
     std::function<void()> timerFired;
     std::optional<std::filesystem::path> snapshotDirectory;  // MW_HOST_SNAPSHOT_DIR
@@ -86,6 +89,7 @@ class WidgetWindow {
     void showEntry(const AnyTimeline& timeline, std::size_t entry);
     void presentationChanged();
     void openLinkAt(PointerPoint at) const;
+    GdkRectangle screenRect() const;
     void showEditDialog();
 
     ObjectRef<GtkWidget> window_;  // first: outlives every piece that refers to it
@@ -94,6 +98,7 @@ class WidgetWindow {
     WidgetWindowCallbacks callbacks_;
     WindowPlacement placement_;
     WidgetSurface surface_;
+    std::unique_ptr<WidgetAccess> access_;
     std::unique_ptr<WindowInput> input_;
     WidgetSchedule schedule_;
     std::unique_ptr<EditWidgetDialog> editDialog_;

@@ -72,10 +72,17 @@ WindowInput::WindowInput(GtkWindow* window, MoveMode mode, bool screenPoints, Ca
             perform(action, reinterpret_cast<GdkEvent*>(e));
             return TRUE;
         });
-    key_ = connect<gboolean(GtkWidget*, GdkEventKey*)>(widget, "key-press-event", [this](GtkWidget*, GdkEventKey* e) {
-        const auto action = keyAction(keyOf(e));
+    key_ = connect<gboolean(GtkWidget*, GdkEventKey*)>(widget, "key-press-event", [this](GtkWidget*, GdkEventKey* e) -> gboolean {
+        if (e->keyval == GDK_KEY_Escape) {
+            callbacks_.leave();
+            return TRUE;
+        }
+        const auto key = keyOf(e);
+        // Enter on a focused row is that row's: the window passes it on.
+        if (key == WidgetKey::activate && gtk_window_get_focus(window_) != nullptr) return FALSE;
+        const auto action = keyAction(key);
         perform(action, reinterpret_cast<GdkEvent*>(e));
-        return action.kind != GestureAction::Kind::none;
+        return action.kind != GestureAction::Kind::none ? TRUE : FALSE;
     });
     if (mode_ == MoveMode::windowManager)
         configure_ = connect<gboolean(GtkWidget*, GdkEventConfigure*)>(

@@ -22,6 +22,7 @@ class WindowInput {
         std::function<void()> edit;
         std::function<void()> remove;
         std::function<void()> add;
+        std::function<void()> leave;  // Escape: the keyboard focus leaves the rows
     };
 
     // Pointer points are taken on the screen when the window manager moves

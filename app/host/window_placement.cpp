@@ -11,7 +11,9 @@ WindowPlacement::WindowPlacement(GtkWindow* window, const HostDisplay& display) 
     gtk_window_set_resizable(window, FALSE);
     gtk_window_set_skip_taskbar_hint(window, TRUE);
     gtk_window_set_skip_pager_hint(window, TRUE);
-    gtk_window_set_accept_focus(window, FALSE);
+    // Focus comes from a click or the keyboard (its rows can be reached with
+    // Tab), never from being shown.
+    gtk_window_set_accept_focus(window, TRUE);
     gtk_window_set_focus_on_map(window, FALSE);
     gtk_widget_set_app_paintable(GTK_WIDGET(window), TRUE);
 
@@ -29,7 +31,7 @@ WindowPlacement::WindowPlacement(GtkWindow* window, const HostDisplay& display) 
         gtk_layer_set_layer(window, GTK_LAYER_SHELL_LAYER_BOTTOM);
         gtk_layer_set_anchor(window, GTK_LAYER_SHELL_EDGE_TOP, TRUE);
         gtk_layer_set_anchor(window, GTK_LAYER_SHELL_EDGE_LEFT, TRUE);
-        gtk_layer_set_keyboard_mode(window, GTK_LAYER_SHELL_KEYBOARD_MODE_NONE);
+        gtk_layer_set_keyboard_mode(window, GTK_LAYER_SHELL_KEYBOARD_MODE_ON_DEMAND);
         layerShell_ = true;
         return;
     }

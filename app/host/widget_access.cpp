@@ -1,0 +1,121 @@
+#include "app/host/widget_access.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include "host/widget_mask.hpp"
+#include "platform/url.hpp"
+
+namespace mw::host {
+namespace {
+
+// The button's input window would take the pointer away from the widget's
+// own press, drag and click handling; with it hidden, presses reach the
+// widget window while the button stays focusable and activatable.
+void hideInputWindow(GtkWidget* button, gpointer) {
+    if (GdkWindow* input = gtk_button_get_event_window(GTK_BUTTON(button)); input != nullptr) gdk_window_hide(input);
+}
+
+std::string widgetLinkName(const std::string& url) {
+    return parseAppURL(url).kind == AppLink::Kind::tool ? "Open dashboard" : "Open Meterwick";
+}
+
+}  // namespace
+
+WidgetAccess::WidgetAccess(GtkWindow* window, std::function<void(const std::string& url)> open)
+    : window_(window), open_(std::move(open)), fixed_(gtk_fixed_new()) {
+    gtk_container_add(GTK_CONTAINER(window), fixed_);
+    gtk_widget_show(fixed_);
+    const auto redraw = [this](auto...) { gtk_widget_queue_draw(GTK_WIDGET(window_)); };
+    focusChanged_ = connect<void(GtkWindow*, GtkWidget*)>(window, "set-focus", redraw);
+    focusVisible_ = connect<void(GObject*, GParamSpec*)>(window, "notify::focus-visible", redraw);
+}
+
+void WidgetAccess::update(const std::string& name, const SpokenContent& content, const std::string& tapURL,
+                          render::Size size) {
+    AtkObject* accessible = gtk_widget_get_accessible(GTK_WIDGET(window_));
+    atk_object_set_name(accessible, name.c_str());
+    atk_object_set_description(accessible, content.sentence.c_str());
+
+    struct Wanted {
+        std::string name, description, url;
+        render::Rect rect;
+    };
+    std::vector<Wanted> wanted;
+    for (const auto& link : content.links) wanted.push_back({link.name, link.description, link.url, link.rect});
+    if (!tapURL.empty()) wanted.push_back({widgetLinkName(tapURL), content.sentence, tapURL, {0, 0, size.width, size.height}});
+
+    // Children are kept by position, so the one with focus keeps it across
+    // updates of the same widget.
+    while (children_.size() > wanted.size()) {
+        gtk_widget_destroy(children_.back()->button);
+        children_.pop_back();
+    }
+    while (children_.size() < wanted.size()) {
+        auto child = std::make_unique<Child>();
+        child->button = gtk_button_new();
+        gtk_widget_set_can_focus(child->button, TRUE);
+        g_signal_connect_data(child->button, "map", G_CALLBACK(hideInputWindow), nullptr, nullptr, G_CONNECT_AFTER);
+        child->clicked = connect<void(GtkButton*)>(child->button, "clicked", [this, c = child.get()](GtkButton*) {
+            const auto url = c->url;  // opening may update the children
+            open_(url);
+        });
+        gtk_fixed_put(GTK_FIXED(fixed_), child->button, 0, 0);
+        gtk_widget_show(child->button);
+        children_.push_back(std::move(child));
+    }
+    for (std::size_t i = 0; i < wanted.size(); ++i) {
+        auto& child = *children_[i];
+        const auto& w = wanted[i];
+        child.url = w.url;
+        child.rect = w.rect;
+        const int x = static_cast<int>(std::floor(w.rect.x));
+        const int y = static_cast<int>(std::floor(w.rect.y));
+        gtk_fixed_move(GTK_FIXED(fixed_), child.button, x, y);
+        gtk_widget_set_size_request(child.button, std::max(1, static_cast<int>(std::ceil(w.rect.maxX())) - x),
+                                    std::max(1, static_cast<int>(std::ceil(w.rect.maxY())) - y));
+        AtkObject* a = gtk_widget_get_accessible(child.button);
+        atk_object_set_name(a, w.name.c_str());
+        atk_object_set_description(a, w.description.c_str());
+    }
+}
+
+void WidgetAccess::drawFocus(cairo_t* cr, render::Appearance appearance) const {
+    if (!gtk_window_get_focus_visible(window_)) return;
+    GtkWidget* focus = gtk_window_get_focus(window_);
+    for (const auto& child : children_) {
+        if (child->button != focus) continue;
+        // A two-point ring in the usual focus blue.
+        constexpr double kWidth = 2;
+        const auto r = child->rect;
+        // The widget's own link rings the whole widget, following its corners.
+        const bool whole = r.x <= 0 && r.y <= 0 && child.get() == children_.back().get();
+        const double corner = whole ? kWidgetCornerRadius - kWidth / 2 : 6;
+        // A row's ring stands just outside it, clear of its text.
+        const double out = whole ? -kWidth / 2 : 2;
+        const double x = r.x - out, y = r.y - out;
+        const double w = r.width + 2 * out, h = r.height + 2 * out;
+        const double radius = std::min({corner, w / 2, h / 2});
+        cairo_save(cr);
+        cairo_new_sub_path(cr);
+        cairo_arc(cr, x + w - radius, y + radius, radius, -M_PI / 2, 0);
+        cairo_arc(cr, x + w - radius, y + h - radius, radius, 0, M_PI / 2);
+        cairo_arc(cr, x + radius, y + h - radius, radius, M_PI / 2, M_PI);
+        cairo_arc(cr, x + radius, y + radius, radius, M_PI, 3 * M_PI / 2);
+        cairo_close_path(cr);
+        if (appearance == render::Appearance::dark)
+            cairo_set_source_rgb(cr, 0.33, 0.60, 1.0);
+        else
+            cairo_set_source_rgb(cr, 0.0, 0.40, 0.85);
+        cairo_set_line_width(cr, kWidth);
+        cairo_stroke(cr);
+        cairo_restore(cr);
+        return;
+    }
+}
+
+void WidgetAccess::leave() {
+    gtk_window_set_focus(window_, nullptr);
+}
+
+}  // namespace mw::host
