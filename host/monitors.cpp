@@ -4,10 +4,21 @@
 
 namespace mw {
 
-std::string monitorIdentity(const Monitor& monitor) {
-    if (!monitor.connector.empty()) return monitor.connector;
+namespace {
+
+std::string modelAndPosition(const Monitor& monitor) {
     const std::string model = monitor.model.empty() ? "monitor" : monitor.model;
     return model + "@" + std::to_string(monitor.geometry.x) + "," + std::to_string(monitor.geometry.y);
+}
+
+}  // namespace
+
+std::string monitorIdentity(const Monitor& monitor) {
+    return monitor.connector.empty() ? modelAndPosition(monitor) : monitor.connector;
+}
+
+bool monitorNamed(const Monitor& monitor, std::string_view identity) {
+    return identity == monitorIdentity(monitor) || identity == modelAndPosition(monitor);
 }
 
 ScreenRect visibleArea(const Monitor& monitor) {
@@ -19,7 +30,7 @@ const Monitor* monitorFor(const std::vector<Monitor>& monitors, const std::optio
     if (monitors.empty()) return nullptr;
     if (identity)
         for (const auto& monitor : monitors)
-            if (monitorIdentity(monitor) == *identity) return &monitor;
+            if (monitorNamed(monitor, *identity)) return &monitor;
     const auto primary = std::find_if(monitors.begin(), monitors.end(), [](const Monitor& m) { return m.primary; });
     return primary != monitors.end() ? &*primary : &monitors.front();
 }
@@ -54,7 +65,7 @@ Placement placeOnMonitor(const std::vector<Monitor>& monitors, const std::option
     const auto& origin = monitor->geometry;
     // Offsets count from the monitor's corner, so the areas do too.
     const auto clamped = clampOffset(offset, width, height, relativeTo(visibleArea(*monitor), origin));
-    const bool ownMonitor = !identity || monitorIdentity(*monitor) == *identity;
+    const bool ownMonitor = !identity || monitorNamed(*monitor, *identity);
     const bool offMonitor = clampOffset(offset, width, height, relativeTo(origin, origin)) != offset;
     return {monitor, clamped, {origin.x + clamped.x, origin.y + clamped.y}, identity, ownMonitor && offMonitor};
 }

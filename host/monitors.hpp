@@ -37,6 +37,10 @@ struct Monitor {
 // which survives a restart and a reordering of outputs.
 std::string monitorIdentity(const Monitor& monitor);
 
+// Whether `identity`, as a widget stored it, names `monitor`: its identity,
+// or the model and position it went by before its connector was known.
+bool monitorNamed(const Monitor& monitor, std::string_view identity);
+
 // The area a widget must stay inside: the work area when known, else the
 // whole monitor.
 ScreenRect visibleArea(const Monitor& monitor);

@@ -13,7 +13,7 @@ MW_PACKAGES=(
   libgtkmm-3.0-dev   # only the benchmarks' gtkmm floor; the host uses GTK's C API
   xvfb xauth xdotool dbus-daemon dbus-x11 conky-std libx11-dev
   openbox sway grim mutter xwayland x11-utils imagemagick libwayland-dev libwayland-bin
-  xfwm4 kwin-x11 wmctrl
+  xfwm4 kwin-x11 wmctrl wayland-protocols
   clang libclang-rt-14-dev
   python3-jsonschema
   at-spi2-core python3-pyatspi   # the accessibility end-to-end tests read the tree over AT-SPI

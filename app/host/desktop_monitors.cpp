@@ -1,7 +1,13 @@
 #include "app/host/desktop_monitors.hpp"
 
 #include <X11/Xlib.h>
+#include <gdk/gdkwayland.h>
 #include <gdk/gdkx.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "xdg-output-unstable-v1-client-protocol.h"
 
 namespace mw::host {
 namespace {
@@ -14,9 +20,63 @@ ScreenRect rectOf(const GdkRectangle& r) {
     return {r.x, r.y, r.width, r.height};
 }
 
+// What xdg-output tells of an output: only its name matters here.
+void ignorePosition(void*, zxdg_output_v1*, int32_t, int32_t) {}
+void ignoreDone(void*, zxdg_output_v1*) {}
+void keepName(void* name, zxdg_output_v1*, const char* value) {
+    *static_cast<std::string*>(name) = value;
+}
+void ignoreDescription(void*, zxdg_output_v1*, const char*) {}
+const zxdg_output_v1_listener kOutputListener{ignorePosition, ignorePosition, ignoreDone, keepName, ignoreDescription};
+
+void bindOutputManager(void* manager, wl_registry* registry, uint32_t id, const char* interface, uint32_t version) {
+    // The name event came with version 2.
+    if (std::strcmp(interface, zxdg_output_manager_v1_interface.name) == 0 && version >= 2)
+        *static_cast<zxdg_output_manager_v1**>(manager) = static_cast<zxdg_output_manager_v1*>(
+            wl_registry_bind(registry, id, &zxdg_output_manager_v1_interface, std::min(version, 3u)));
+}
+void ignoreRemoval(void*, wl_registry*, uint32_t) {}
+const wl_registry_listener kRegistryListener{bindOutputManager, ignoreRemoval};
+
+// The connector a Wayland compositor names the monitor's output by, asked
+// once per monitor on a private event queue so GTK's own events wait; empty
+// on X11 or where the compositor offers no xdg-output.
+std::string connectorOf(GdkMonitor* gdk) {
+    constexpr const char* kKey = "meterwick-connector";
+    if (const auto* known = static_cast<const char*>(g_object_get_data(G_OBJECT(gdk), kKey)); known != nullptr)
+        return known;
+    std::string name;
+    GdkDisplay* display = gdk_monitor_get_display(gdk);
+    wl_output* output = GDK_IS_WAYLAND_DISPLAY(display) ? gdk_wayland_monitor_get_wl_output(gdk) : nullptr;
+    if (output != nullptr) {
+        wl_display* wl = gdk_wayland_display_get_wl_display(display);
+        wl_event_queue* queue = wl_display_create_queue(wl);
+        auto* wrapper = static_cast<wl_display*>(wl_proxy_create_wrapper(wl));
+        wl_proxy_set_queue(reinterpret_cast<wl_proxy*>(wrapper), queue);
+        wl_registry* registry = wl_display_get_registry(wrapper);
+        zxdg_output_manager_v1* manager = nullptr;
+        wl_registry_add_listener(registry, &kRegistryListener, &manager);
+        wl_display_roundtrip_queue(wl, queue);
+        if (manager != nullptr) {
+            zxdg_output_v1* described = zxdg_output_manager_v1_get_xdg_output(manager, output);
+            zxdg_output_v1_add_listener(described, &kOutputListener, &name);
+            wl_display_roundtrip_queue(wl, queue);
+            zxdg_output_v1_destroy(described);
+            zxdg_output_manager_v1_destroy(manager);
+        }
+        wl_registry_destroy(registry);
+        wl_proxy_wrapper_destroy(wrapper);
+        wl_event_queue_destroy(queue);
+    }
+    g_object_set_data_full(G_OBJECT(gdk), kKey, g_strdup(name.c_str()), g_free);
+    return name;
+}
+
 Monitor monitorOf(GdkMonitor* gdk) {
     Monitor monitor;
-    // GTK 3 names no connector; the model and the monitor's position stand in.
+    // GTK 3 passes on no connector name; on Wayland xdg-output gives it, and
+    // elsewhere the model and the monitor's position stand in.
+    monitor.connector = connectorOf(gdk);
     if (const char* model = gdk_monitor_get_model(gdk); model != nullptr) monitor.model = model;
     GdkRectangle r;
     gdk_monitor_get_geometry(gdk, &r);

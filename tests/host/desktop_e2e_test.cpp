@@ -155,7 +155,8 @@ void scenario(const std::string& desktop) {
 // sway with a second output to the right of the first: a widget placed on
 // it stands there (its layer surface on that output, its offset from that
 // output's corner), and one placed past the first output's edge is brought
-// back inside and saved so.
+// back inside and saved so. A drag on the second output saves the widget
+// under that output's connector name.
 void monitorsScenario() {
     const Sandbox box;
     lightWithoutAccessibility();
@@ -184,6 +185,18 @@ void monitorsScenario() {
     EXPECT_TRUE(box.savedAt(accounts.id, accounts.at));
     EXPECT_TRUE(shownOn("sway", box, accounts, accounts.at, "two-outputs.png")) << box.hostLog();
     EXPECT_TRUE(shownOn("sway", box, focus, focus.at, "two-outputs.png")) << box.hostLog();
+
+    // Dragged on the second output, the widget is saved there under the
+    // output's connector name, which xdg-output gives.
+    std::string steps = "move 2060 160 wait 200 press wait 100";
+    for (int i = 1; i <= 10; ++i)
+        steps += " move " + std::to_string(2060 + 10 * i) + " " + std::to_string(160 + 5 * i) + " wait 50";
+    run("'" MW_VIRTUAL_POINTER "' 3200 1080 " + steps + " wait 200 release");
+    EXPECT_TRUE(box.savedAt(focus.id, {200, 170})) << box.hostLog();
+    const auto widgets = box.stored();
+    const auto* dragged = findPlacement(widgets, focus.id);
+    ASSERT_NE(dragged, nullptr);
+    EXPECT_EQ(dragged->monitor, "HEADLESS-2");
 }
 
 void inDesktop(const std::string& desktop) {

@@ -81,6 +81,12 @@ TEST(Monitors, IdentityIsTheConnectorElseModelAndPosition) {
     EXPECT_EQ(monitorIdentity({"HDMI-A-1", "DELL U2720Q", {1920, 0, 2560, 1440}, {}, false}), "HDMI-A-1");
     EXPECT_EQ(monitorIdentity({"", "DELL U2720Q", {1920, 0, 2560, 1440}, {}, false}), "DELL U2720Q@1920,0");
     EXPECT_EQ(monitorIdentity({"", "", {-1280, 0, 1280, 1024}, {}, false}), "monitor@-1280,0");
+    // A widget stored by model and position before the connector was known
+    // still finds its monitor.
+    const std::vector<Monitor> monitors{monitor("eDP-1", {0, 0, 1920, 1080}, true),
+                                        {"DP-2", "DELL U2720Q", {1920, 0, 2560, 1440}, {}, false}};
+    EXPECT_EQ(monitorFor(monitors, "DELL U2720Q@1920,0"), &monitors[1]);
+    EXPECT_EQ(monitorFor(monitors, "DELL U2720Q@0,0"), &monitors[0]) << "moved elsewhere: the primary";
 }
 
 TEST(Monitors, DropsAndNewWidgetsBelongToTheMonitorUnderThem) {
