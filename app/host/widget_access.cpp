@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "host/widget_mask.hpp"
+#include "render/cairo/painter.hpp"
 #include "platform/url.hpp"
 
 namespace mw::host {
@@ -85,31 +86,24 @@ void WidgetAccess::drawFocus(cairo_t* cr, render::Appearance appearance) const {
     GtkWidget* focus = gtk_window_get_focus(window_);
     for (const auto& child : children_) {
         if (child->button != focus) continue;
-        // A two-point ring in the usual focus blue.
+        // A two-point ring in the usual focus blue, drawn by the widgets'
+        // own painter; the widget's own link's follows the widget's corners.
         constexpr double kWidth = 2;
+        const bool whole = child.get() == children_.back().get() && child->rect.x <= 0 && child->rect.y <= 0;
+        // Rows run their text to their ends and stack close together: the
+        // ring stands out beside a row and in above and below it.
+        const double outX = whole ? -kWidth / 2 : 3;
+        const double outY = -kWidth / 2;
         const auto r = child->rect;
-        // The widget's own link rings the whole widget, following its corners.
-        const bool whole = r.x <= 0 && r.y <= 0 && child.get() == children_.back().get();
-        const double corner = whole ? kWidgetCornerRadius - kWidth / 2 : 6;
-        // A row's ring stands just outside it, clear of its text.
-        const double out = whole ? -kWidth / 2 : 2;
-        const double x = r.x - out, y = r.y - out;
-        const double w = r.width + 2 * out, h = r.height + 2 * out;
-        const double radius = std::min({corner, w / 2, h / 2});
-        cairo_save(cr);
-        cairo_new_sub_path(cr);
-        cairo_arc(cr, x + w - radius, y + radius, radius, -M_PI / 2, 0);
-        cairo_arc(cr, x + w - radius, y + h - radius, radius, 0, M_PI / 2);
-        cairo_arc(cr, x + radius, y + h - radius, radius, M_PI / 2, M_PI);
-        cairo_arc(cr, x + radius, y + radius, radius, M_PI, 3 * M_PI / 2);
-        cairo_close_path(cr);
-        if (appearance == render::Appearance::dark)
-            cairo_set_source_rgb(cr, 0.33, 0.60, 1.0);
-        else
-            cairo_set_source_rgb(cr, 0.0, 0.40, 0.85);
-        cairo_set_line_width(cr, kWidth);
-        cairo_stroke(cr);
-        cairo_restore(cr);
+        render::DisplayList ring;
+        ring.size = {r.maxX() + outX, r.maxY() + outY};
+        const auto blue = appearance == render::Appearance::dark ? Color::rgb(0.33, 0.60, 1.0)
+                                                                 : Color::rgb(0.0, 0.40, 0.85);
+        render::ShapeDraw shape{render::Shape::roundedRectangle(whole ? kWidgetCornerRadius - kWidth / 2 : 6),
+                                render::ShapeDraw::Paint::stroke, blue, {}, {}};
+        shape.stroke.lineWidth = kWidth;
+        ring.ops.push_back({{r.x - outX, r.y - outY, r.width + 2 * outX, r.height + 2 * outY}, {}, 0, shape});
+        render::paint(cr, ring, appearance);
         return;
     }
 }
