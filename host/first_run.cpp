@@ -7,6 +7,8 @@
 #include <cmath>
 #include <system_error>
 
+#include "payload/sample.hpp"
+
 namespace mw {
 namespace {
 
@@ -77,6 +79,32 @@ NewWidgetSpot newWidgetSpot(const std::vector<Monitor>& monitors, const std::opt
         spot.offset = clampOffset(defaultPosition(widgets), width, height, area);
     }
     return spot;
+}
+
+AnyEntry previewEntry(const WidgetDeclaration& widget, const ProviderContext& context,
+                      const IntentParameters& parameters) {
+    std::optional<AnyEntry> entry;
+    try {
+        entry = widget.snapshot(context, parameters);
+    } catch (const std::exception&) {
+        // The sample below stands in.
+    }
+    if (entry && !entryPanel(*entry)) return *entry;
+    auto sample = entry.value_or(widget.placeholder(context.now));
+    std::visit(
+        [&](auto& e) {
+            e.payload = samplePayload(context.now);
+            e.readStatus = ReadStatus::ok;
+        },
+        sample);
+    if (entryPanel(sample))  // a tool or provider the sample does not have: the sample's own
+        std::visit(
+            [](auto& e) {
+                if constexpr (requires { e.chosen; }) e.chosen = WidgetToolChoiceQuery::defaultResult();
+                if constexpr (requires { e.provider; }) e.provider = WidgetProviderChoiceQuery::defaultResult();
+            },
+            sample);
+    return sample;
 }
 
 ContainerFinding inspectContainer(const std::optional<std::filesystem::path>& container, ReadStatus status) {

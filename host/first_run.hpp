@@ -38,6 +38,12 @@ struct NewWidgetSpot {
 NewWidgetSpot newWidgetSpot(const std::vector<Monitor>& monitors, const std::optional<std::string>& onMonitor,
                             const std::vector<PlacedWidget>& widgets, WidgetFamily family);
 
+// What a gallery or Edit Widget preview shows: the widget's snapshot on the
+// current payload, or, where that would be a panel (no data, an error), the
+// same settings on the built-in sample.
+AnyEntry previewEntry(const WidgetDeclaration& widget, const ProviderContext& context,
+                      const IntentParameters& parameters);
+
 // What was found where widget data should be, looked at after a load that
 // did not succeed.
 enum class ContainerFinding {

@@ -42,6 +42,7 @@ DesktopWatch::DesktopWatch(std::function<void(render::Appearance)> appearanceCha
     readToolkitSettings();
     if (GtkSettings* settings = gtk_settings_get_default()) {
         const auto reread = [this](GObject*, GParamSpec*) {
+            if (applying_) return;
             readToolkitSettings();
             changed();
         };
@@ -68,13 +69,22 @@ DesktopWatch::~DesktopWatch() {
     if (clockFd_ >= 0) ::close(clockFd_);
 }
 
+void DesktopWatch::applyToToolkit(render::Appearance appearance) {
+    GtkSettings* settings = gtk_settings_get_default();
+    if (settings == nullptr) return;
+    applying_ = true;
+    applied_ = true;
+    g_object_set(settings, "gtk-application-prefer-dark-theme", appearance == render::Appearance::dark, nullptr);
+    applying_ = false;
+}
+
 void DesktopWatch::readToolkitSettings() {
     if (GtkSettings* settings = gtk_settings_get_default()) {
         gchar* theme = nullptr;
         gboolean preferDark = FALSE;
         g_object_get(settings, "gtk-theme-name", &theme, "gtk-application-prefer-dark-theme", &preferDark, nullptr);
         preferences_.gtkThemeName = theme != nullptr ? theme : "";
-        preferences_.gtkPreferDark = preferDark != FALSE;
+        if (!applied_) preferences_.gtkPreferDark = preferDark != FALSE;
         g_free(theme);
     }
     // GTK_THEME ("Adwaita:dark") overrides the settings' theme in GTK itself.

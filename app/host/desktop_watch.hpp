@@ -22,6 +22,10 @@ class DesktopWatch {
     DesktopWatch& operator=(const DesktopWatch&) = delete;
 
     render::Appearance appearance() const { return desktopAppearance(preferences_); }
+    // Makes GTK's own menus and dialogs follow `appearance` (the toolkit's
+    // prefer-dark setting), without taking that write for the desktop's
+    // preference.
+    void applyToToolkit(render::Appearance appearance);
 
   private:
     static void portalAppeared(GDBusConnection* connection, const gchar* name, const gchar* owner, gpointer self);
@@ -45,6 +49,8 @@ class DesktopWatch {
     render::Appearance last_ = render::Appearance::light;
 
     Connection themeName_, preferDark_;
+    bool applying_ = false;  // our own write to the toolkit's settings under way
+    bool applied_ = false;   // prefer-dark holds our value now, not the desktop's
     guint portalWatch_ = 0;
     ObjectRef<GDBusConnection> sessionBus_;
     guint portalSubscription_ = 0;

@@ -9,10 +9,12 @@
 
 #include "app/host/dashboard_window.hpp"
 #include "app/host/desktop_monitors.hpp"
-#include "app/host/dialogs.hpp"
 #include "app/host/widget_window.hpp"
+#include "bundle/widget_view.hpp"
 #include "host/bus.hpp"
 #include "host/desktop.hpp"
+#include "host/first_run.hpp"
+#include "host/widget_mask.hpp"
 #include "host/session.hpp"
 #include "host/spoken.hpp"
 #include "payload/self_report.hpp"
@@ -20,6 +22,7 @@
 #include "platform/clock.hpp"
 #include "platform/container.hpp"
 #include "platform/url.hpp"
+#include "render/cairo/text.hpp"
 
 namespace mw::host {
 namespace {
@@ -107,8 +110,10 @@ HostApplication::HostApplication(HostDisplay display)
     g_set_application_name("Meterwick Widgets");
     connectForLife<void(GApplication*)>(application_, "startup", [this](GApplication*) { startup(); });
     connectForLife<void(GApplication*)>(application_, "shutdown", [this](GApplication*) { shutdown(); });
-    // Started again while running: the windows are already there.
-    connectForLife<void(GApplication*)>(application_, "activate", [](GApplication*) {});
+    connectForLife<void(GApplication*)>(application_, "activate", [this](GApplication*) {
+        auto f = [&] { activated(); };
+        guardedVoid(f);
+    });
     // A meterwick:// link from the desktop (the host is its handler), on the
     // command line or from another start, reaches the running instance here.
     connectForLife<void(GApplication*, GFile**, gint, gchar*)>(
@@ -120,6 +125,62 @@ HostApplication::HostApplication(HostDisplay display)
                 followLink(url, std::nullopt);
             }
         });
+    g_application_add_main_option(G_APPLICATION(application_), "add-widget", 0, G_OPTION_FLAG_NONE,
+                                  G_OPTION_ARG_NONE, "Open the Add Widget gallery", nullptr);
+    g_application_add_main_option(G_APPLICATION(application_), "reload", 0, G_OPTION_FLAG_NONE, G_OPTION_ARG_NONE,
+                                  "Read the placed widgets and the data again", nullptr);
+    connectForLife<gint(GApplication*, GVariantDict*)>(
+        application_, "handle-local-options",
+        [this](GApplication*, GVariantDict* options) { return handleLocalOptions(options); });
+    addActions();
+    dialogServices_ = {
+        .appearance = [this] { return appearance_; },
+        .preview = [this](const WidgetDeclaration& widget, WidgetFamily family, const IntentParameters& parameters,
+                          std::function<void(render::DisplayList)> done) {
+            preview(widget, family, parameters, std::move(done));
+        },
+    };
+    choiceLists_ = loadChoiceLists(std::nullopt);  // the special entries, without touching a file
+}
+
+// The actions a desktop entry, a dock or `gapplication action` reach over
+// the bus (org.freedesktop.Application.ActivateAction).
+void HostApplication::addActions() {
+    const auto add = [this](const char* name, std::function<void()> run) {
+        GSimpleAction* action = g_simple_action_new(name, nullptr);
+        connectForLife<void(GSimpleAction*, GVariant*)>(action, "activate",
+                                                        [run = std::move(run)](GSimpleAction*, GVariant*) {
+                                                            auto f = [&] { run(); };
+                                                            guardedVoid(f);
+                                                        });
+        g_action_map_add_action(G_ACTION_MAP(application_), G_ACTION(action));
+        g_object_unref(action);
+    };
+    add("add-widget", [this] { showAddDialog(std::nullopt); });
+    add("reload", [this] {
+        syncPlacements();
+        reloadAll();
+    });
+}
+
+gint HostApplication::handleLocalOptions(GVariantDict* options) {
+    for (const char* action : {"add-widget", "reload"}) {
+        if (!g_variant_dict_contains(options, action)) continue;
+        GError* raw = nullptr;
+        if (!g_application_register(G_APPLICATION(application_), nullptr, &raw)) {
+            ErrorRef error(raw);
+            report(std::string("cannot reach the session bus: ") + (raw != nullptr ? raw->message : "?"));
+            return 1;
+        }
+        g_action_group_activate_action(G_ACTION_GROUP(application_), action, nullptr);
+        // Handed to the running host; or this is the host now and carries on.
+        return g_application_get_is_remote(G_APPLICATION(application_)) ? 0 : -1;
+    }
+    return -1;
+}
+
+void HostApplication::activated() {
+    if (windows_.empty()) showAddDialog(std::nullopt);
 }
 
 HostApplication::~HostApplication() {
@@ -166,6 +227,7 @@ void HostApplication::startup() {
             guardedVoid(f);
         });
     appearance_ = desktopWatch_->appearance();
+    desktopWatch_->applyToToolkit(appearance_);
     termSignal_ = g_unix_signal_add(SIGTERM, quitOnSignal, application_);
     intSignal_ = g_unix_signal_add(SIGINT, quitOnSignal, application_);
 
@@ -193,6 +255,8 @@ void HostApplication::shutdown() {
     addDialog_.reset();
     dropDashboards_.reset();
     dashboards_.clear();
+    editDialog_.reset();
+    undoNotice_.reset();
     windows_.clear();
     desktopWatch_.reset();
     builds_.reset();
@@ -302,13 +366,23 @@ void HostApplication::build(const PlacedWidget& placed, const WidgetDeclaration&
         if (timeline) ++counters_.timelineBuilds;
         done(std::move(timeline));
     };
-    builds_->submit([context = providerContext(), parameters = placed.parameters, timeline = widget.timeline,
+    builds_->submit([this, context = providerContext(), parameters = placed.parameters, timeline = widget.timeline,
                      finished = std::move(finished)]() mutable {
         std::optional<AnyTimeline> built;
         auto run = [&] { built = timeline(context, parameters); };
         guardedVoid(run);  // reported; the widget keeps what it shows
-        invokeOnMain(
-            [finished = std::move(finished), built = std::move(built)]() mutable { finished(std::move(built)); });
+        // Where a widget that shows no data looked, for its tooltip: the
+        // place named even when the directory is not there.
+        std::string problem;
+        if (built && !built->entries.empty()) {
+            const auto place = containerLocation(ContainerEnvironment::fromProcess()).path;
+            problem = dataProblemTooltip(place, inspectContainer(place, entryReadStatus(built->entries.front())));
+        }
+        invokeOnMain([this, finished = std::move(finished), built = std::move(built),
+                      problem = std::move(problem)]() mutable {
+            if (built) dataProblem_ = std::move(problem);
+            finished(std::move(built));
+        });
     });
 }
 
@@ -323,12 +397,12 @@ std::unique_ptr<WidgetWindow> HostApplication::makeWindow(const PlacedWidget& pl
                             WidgetSchedule::Built done) { build(p, w, std::move(done)); },
             .moved = [this, id](WidgetPosition position,
                                 const std::optional<std::string>& monitor) { setPosition(id, position, monitor); },
-            .parameterChosen = [this, id](const std::string& name,
-                                          const std::string& value) { setParameter(id, name, value); },
+            .editRequested = [this, id] { showEditDialog(id); },
             .removeRequested = [this, id] { removeWidget(id); },
-            .addRequested = [this](WidgetPosition near) { showAddDialog(near); },
+            // The gallery adds to the monitor of the widget it was asked from.
+            .addRequested = [this](WidgetPosition near) { showAddDialog(monitorUnder(near)); },
             .openURL = [this](const std::string& url, GdkRectangle from) { openURL(url, from); },
-            .container = [this] { return providerContext().container; },
+            .dataProblem = [this] { return dataProblem_; },
             .timerFired = [this] { ++counters_.timerWakeUps; },
             .snapshotDirectory = snapshotDirectory_,
             .display = display_,
@@ -366,7 +440,7 @@ void HostApplication::followLink(const std::string& url, std::optional<GdkRectan
     const auto link = parseAppURL(url);
     switch (link.kind) {
         case AppLink::Kind::open:
-            showAddDialog(from ? std::optional<WidgetPosition>({from->x, from->y}) : std::nullopt);
+            showAddDialog(from ? monitorUnder({from->x, from->y}) : std::nullopt);
             return;
         case AppLink::Kind::tool:
             showDashboard(link.toolKey, from);
@@ -432,6 +506,7 @@ std::set<std::string> HostApplication::syncPlacements() {
         else if (windows_.emplace(placed.id, makeWindow(placed, *resolved.value)).second)
             created.insert(placed.id);
     }
+    if (editDialog_ && !shown.contains(editing_)) editDialog_.reset();  // its widget went
     for (auto it = windows_.begin(); it != windows_.end();) {
         if (shown.contains(it->first)) {
             ++it;
@@ -469,20 +544,23 @@ void HostApplication::setAppearance(render::Appearance appearance) {
     for (auto& [id, window] : windows_) window->appearanceChanged();
     if (addDialog_) addDialog_->appearanceChanged();
     for (auto& [key, dashboard] : dashboards_) dashboard->appearanceChanged();
+    if (editDialog_) editDialog_->appearanceChanged();
+    desktopWatch_->applyToToolkit(appearance);  // menus and dialogs follow
 }
 
 // Windows ask for edits from their own signal handlers; the edit waits for
 // the store's lock off the main loop, and the windows are brought in line
 // with the saved file afterwards.
-void HostApplication::editStore(std::function<bool(std::vector<PlacedWidget>&)> edit) {
+void HostApplication::editStore(std::function<bool(std::vector<PlacedWidget>&)> edit, std::function<void()> after) {
     if (!storeFile_) return;
-    edits_->submit([this, file = *storeFile_, edit = std::move(edit)] {
+    edits_->submit([this, file = *storeFile_, edit = std::move(edit), after = std::move(after)] {
         auto result = std::make_shared<PlacementsEdit>(modifyPlacements(file, systemNow(), edit));
-        invokeOnMain([this, file, result] {
+        invokeOnMain([this, file, result, after] {
             if (const auto problem = problemReport(file, result->load); !problem.empty()) report(problem);
             if (!result->error.empty()) report(result->error);
             storeRetries_ = 0;
             sync_ = idleOnce([this] { syncPlacements(); });
+            if (after) after();
         });
     });
 }
@@ -516,34 +594,196 @@ void HostApplication::monitorsChanged() {
     for (auto& [id, window] : windows_) window->monitorsChanged();
 }
 
-void HostApplication::removeWidget(const std::string& id) {
-    editStore([id](std::vector<PlacedWidget>& widgets) {
-        return std::erase_if(widgets, [&](const auto& w) { return w.id == id; }) > 0;
+void HostApplication::setFamily(const std::string& id, const std::string& family) {
+    editStore([id, family](std::vector<PlacedWidget>& widgets) {
+        for (auto& w : widgets)
+            if (w.id == id && w.family != family) {
+                w.family = family;
+                return true;
+            }
+        return false;
     });
 }
 
-void HostApplication::addWidget(const WidgetDeclaration& widget, WidgetFamily family,
-                                std::optional<WidgetPosition> near) {
-    // Asked for from a widget's menu, the new widget goes on that widget's
-    // monitor, a little down and right of it.
-    std::optional<MonitorSpot> spot;
-    if (GdkDisplay* display = gdk_display_get_default(); near && display != nullptr)
-        spot = spotAt(desktopMonitors(display), {near->x + 32, near->y + 32});
-    editStore([widget = &widget, family, spot](std::vector<PlacedWidget>& widgets) {
-        const auto position = spot ? spot->offset : defaultPosition(widgets);
-        widgets.push_back({nextPlacementID(widgets, *widget), std::string(widget->kind), std::string(rawValue(family)),
-                           defaultParameters(*widget), position, {}, spot ? spot->identity : std::nullopt});
+// The offset is kept; the window brings it into the new monitor's view.
+void HostApplication::setMonitor(const std::string& id, const std::string& monitor) {
+    editStore([id, monitor](std::vector<PlacedWidget>& widgets) {
+        for (auto& w : widgets)
+            if (w.id == id && w.monitor != monitor) {
+                w.monitor = monitor;
+                return true;
+            }
+        return false;
+    });
+}
+
+void HostApplication::removeWidget(const std::string& id) {
+    if (editing_ == id) editDialog_.reset();
+    struct Removed {
+        std::optional<PlacedWidget> widget;
+        std::size_t index = 0;
+    };
+    auto removed = std::make_shared<Removed>();
+    editStore(
+        [id, removed](std::vector<PlacedWidget>& widgets) {
+            const auto it = std::find_if(widgets.begin(), widgets.end(), [&](const auto& w) { return w.id == id; });
+            if (it == widgets.end()) return false;
+            removed->widget = *it;
+            removed->index = static_cast<std::size_t>(it - widgets.begin());
+            widgets.erase(it);
+            return true;
+        },
+        [this, removed] {
+            if (!removed->widget) return;
+            const auto* widget = findWidget(removed->widget->kind);
+            const std::string name = widget != nullptr ? std::string(widget->displayName) : removed->widget->id;
+            undoNotice_ = std::make_unique<UndoNotice>("Removed " + name + ".", [this, removed] {
+                restoreWidget(*removed->widget, removed->index);
+            });
+        });
+}
+
+// Back where it was in the list, under its own id unless that was taken meanwhile.
+void HostApplication::restoreWidget(PlacedWidget widget, std::size_t index) {
+    editStore([widget = std::move(widget), index](std::vector<PlacedWidget>& widgets) mutable {
+        if (findPlacement(widgets, widget.id) != nullptr) {
+            const auto* declaration = findWidget(widget.kind);
+            if (declaration == nullptr) return false;
+            widget.id = nextPlacementID(widgets, *declaration);
+        }
+        widgets.insert(widgets.begin() + static_cast<std::ptrdiff_t>(std::min(index, widgets.size())), widget);
         return true;
     });
 }
 
-void HostApplication::showAddDialog(std::optional<WidgetPosition> near) {
+void HostApplication::addWidget(const WidgetDeclaration& widget, const WidgetSettingsValues& values) {
+    auto spot = std::make_shared<std::optional<NewWidgetSpot>>();
+    GdkDisplay* display = gdk_display_get_default();
+    auto monitors = display != nullptr ? desktopMonitors(display) : std::vector<Monitor>{};
+    const auto onMonitor = addOnMonitor_ ? addOnMonitor_ : currentMonitor();
+    editStore(
+        [widget = &widget, values, monitors = std::move(monitors), onMonitor, spot](std::vector<PlacedWidget>& widgets) {
+            *spot = newWidgetSpot(monitors, onMonitor, widgets, values.family);
+            widgets.push_back({nextPlacementID(widgets, *widget), std::string(widget->kind),
+                               std::string(rawValue(values.family)), values.parameters, (*spot)->offset, {},
+                               (*spot)->monitor});
+            return true;
+        },
+        [this, name = std::string(widget.displayName), spot] {
+            if (!addDialog_) return;
+            if (!*spot) {
+                addDialog_->setOutcome("The widget could not be added: see the log.");
+                return;
+            }
+            const auto& s = **spot;
+            std::string where = "Added " + name + " at " + std::to_string(s.offset.x) + ", " +
+                                std::to_string(s.offset.y) + " on ";
+            where += s.monitorName.empty() ? "the screen." : "monitor " + s.monitorName + ".";
+            if (!s.free) where += " There was no free spot, so it overlaps another widget.";
+            addDialog_->setOutcome(where);
+        });
+}
+
+void HostApplication::showAddDialog(std::optional<std::string> monitor) {
+    addOnMonitor_ = std::move(monitor);
     if (!addDialog_)
         addDialog_ = std::make_unique<AddWidgetDialog>(
-            [this] { return appearance_; },
-            [this](const WidgetDeclaration& widget, WidgetFamily family) { addWidget(widget, family, addNear_); });
-    addNear_ = near;
+            dialogServices_, choiceLists_,
+            [this](const WidgetDeclaration& widget, const WidgetSettingsValues& values) { addWidget(widget, values); });
     addDialog_->present();
+    refreshChoiceLists();
+}
+
+void HostApplication::showEditDialog(const std::string& id) {
+    const auto it = windows_.find(id);
+    if (it == windows_.end()) return;
+    const auto& placed = it->second->placed();
+    const auto resolved = resolvePlacement(placed);
+    if (!resolved) return;
+    auto monitors = monitorChoices();
+    auto monitor = placed.monitor;
+    if (!monitor && !monitors.empty()) {  // none stored: the primary's
+        GdkDisplay* display = gdk_display_get_default();
+        const auto all = desktopMonitors(display);
+        if (const auto* primary = monitorFor(all, std::nullopt)) monitor = monitorIdentity(*primary);
+    }
+    editing_ = id;
+    // A new dialog each time, with the widget's settings as they are now.
+    editDialog_ = std::make_unique<EditWidgetDialog>(
+        *resolved.value->widget, WidgetSettingsValues{resolved.value->family, placed.parameters, monitor},
+        choiceLists_, monitors, dialogServices_,
+        [this, id](SettingsField field, const std::string& name, const std::string& value) {
+            switch (field) {
+                case SettingsField::family: setFamily(id, value); break;
+                case SettingsField::parameter: setParameter(id, name, value); break;
+                case SettingsField::monitor: setMonitor(id, value); break;
+            }
+        });
+    editDialog_->present();
+    refreshChoiceLists();
+}
+
+void HostApplication::refreshChoiceLists() {
+    builds_->submit([this, container = providerContext().container] {
+        auto lists = loadChoiceLists(container);
+        invokeOnMain([this, lists = std::move(lists)]() mutable {
+            if (lists == choiceLists_) return;
+            choiceLists_ = std::move(lists);
+            if (addDialog_) addDialog_->setChoiceLists(choiceLists_);
+            if (editDialog_) editDialog_->setChoiceLists(choiceLists_);
+        });
+    });
+}
+
+// The snapshot is read on the worker; text is laid out here, where Pango lives.
+void HostApplication::preview(const WidgetDeclaration& widget, WidgetFamily family, const IntentParameters& parameters,
+                              std::function<void(render::DisplayList)> done) {
+    builds_->submit([context = providerContext(), widget = &widget, family, parameters, done = std::move(done)] {
+        auto entry = std::make_shared<AnyEntry>(previewEntry(*widget, context, parameters));
+        invokeOnMain([entry, family, done] {
+            auto lay = [&] { done(maskedToWidgetShape(layoutWidget(*entry, family, render::systemTextMeasurer()))); };
+            guardedVoid(lay);
+        });
+    });
+}
+
+ParameterChoices HostApplication::monitorChoices() const {
+    ParameterChoices out;
+    GdkDisplay* display = gdk_display_get_default();
+    if (display == nullptr) return out;
+    for (const auto& monitor : desktopMonitors(display)) {
+        std::string text = monitor.connector.empty() ? monitor.model : monitor.connector;
+        if (text.empty()) text = "Monitor";
+        text += " (" + std::to_string(monitor.geometry.width) + "×" + std::to_string(monitor.geometry.height) +
+                (monitor.primary ? ", primary)" : ")");
+        out.emplace_back(monitorIdentity(monitor), text);
+    }
+    return out;
+}
+
+std::optional<std::string> HostApplication::monitorUnder(WidgetPosition point) const {
+    GdkDisplay* display = gdk_display_get_default();
+    if (display == nullptr) return std::nullopt;
+    const auto monitors = desktopMonitors(display);
+    const Monitor* under = monitorAt(monitors, point);
+    if (under == nullptr) under = monitorFor(monitors, std::nullopt);
+    return under != nullptr ? std::optional(monitorIdentity(*under)) : std::nullopt;
+}
+
+std::optional<std::string> HostApplication::currentMonitor() const {
+    GdkDisplay* display = gdk_display_get_default();
+    if (display == nullptr) return std::nullopt;
+    GdkMonitor* under = nullptr;
+    if (GdkSeat* seat = gdk_display_get_default_seat(display); seat != nullptr)
+        if (GdkDevice* pointer = gdk_seat_get_pointer(seat); pointer != nullptr) {
+            int x = 0, y = 0;
+            gdk_device_get_position(pointer, nullptr, &x, &y);
+            under = gdk_display_get_monitor_at_point(display, x, y);
+        }
+    if (under == nullptr) return std::nullopt;
+    for (const auto& monitor : desktopMonitors(display))
+        if (gdkMonitorOf(display, monitor) == under) return monitorIdentity(monitor);
+    return std::nullopt;
 }
 
 }  // namespace mw::host

@@ -17,6 +17,7 @@
 #include "app/host/background_queue.hpp"
 #include "app/host/desktop_monitors.hpp"
 #include "app/host/desktop_watch.hpp"
+#include "app/host/dialogs.hpp"
 #include "app/host/display_route.hpp"
 #include "app/host/glib_support.hpp"
 #include "host/placements.hpp"
@@ -26,7 +27,6 @@
 namespace mw::host {
 
 class WidgetWindow;
-class AddWidgetDialog;
 class DashboardWindow;
 
 // What the host counts, for Status() and the idle measurements.
@@ -80,6 +80,12 @@ class HostApplication {
   private:
     void startup();
     void shutdown();
+    // Started with nothing placed, from the menu or a second launch: the
+    // gallery is the way in.
+    void activated();
+    // --add-widget and --reload: handed to the running host as actions.
+    gint handleLocalOptions(GVariantDict* options);
+    void addActions();
     void registerBusObject();
     static void methodCall(GDBusConnection* connection, const gchar* sender, const gchar* path, const gchar* interface,
                            const gchar* method, GVariant* parameters, GDBusMethodInvocation* invocation, gpointer self);
@@ -109,13 +115,31 @@ class HostApplication {
     // widget and saves, so edits made meanwhile on the command line survive.
     // Runs off the main loop under the store's lock; the windows follow the
     // saved file afterwards.
-    void editStore(std::function<bool(std::vector<PlacedWidget>&)> edit);
+    // `after` runs on the main loop once the edit is saved (or failed).
+    void editStore(std::function<bool(std::vector<PlacedWidget>&)> edit, std::function<void()> after = {});
     void setParameter(const std::string& id, const std::string& name, const std::string& value);
     void setPosition(const std::string& id, WidgetPosition position, const std::optional<std::string>& monitor);
     void monitorsChanged();
+    void setFamily(const std::string& id, const std::string& family);
+    void setMonitor(const std::string& id, const std::string& monitor);
+    // Removes the widget and offers to put it back as it was.
     void removeWidget(const std::string& id);
-    void addWidget(const WidgetDeclaration& widget, WidgetFamily family, std::optional<WidgetPosition> near);
-    void showAddDialog(std::optional<WidgetPosition> near);
+    void restoreWidget(PlacedWidget widget, std::size_t index);
+    void addWidget(const WidgetDeclaration& widget, const WidgetSettingsValues& values);
+    // On `monitor` (a widget's), else the one under the pointer.
+    void showAddDialog(std::optional<std::string> monitor);
+    void showEditDialog(const std::string& id);
+    // The tool and provider lists read afresh off the main loop; the open
+    // dialogs take them when they arrive.
+    void refreshChoiceLists();
+    void preview(const WidgetDeclaration& widget, WidgetFamily family, const IntentParameters& parameters,
+                 std::function<void(render::DisplayList)> done);
+    // Monitors as the Edit Widget dialog offers them, and the one the gallery
+    // adds to (under the pointer, else the primary).
+    ParameterChoices monitorChoices() const;
+    std::optional<std::string> currentMonitor() const;
+    // The identity of the monitor showing a desktop point, else the primary's.
+    std::optional<std::string> monitorUnder(WidgetPosition point) const;
 
     ProviderContext providerContext() const;
 
@@ -125,10 +149,16 @@ class HostApplication {
     std::optional<std::filesystem::path> snapshotDirectory_;
     std::map<std::string, std::unique_ptr<WidgetWindow>> windows_;
     std::set<std::string> reportedPlacementProblems_;
+    DialogServices dialogServices_;
+    ChoiceLists choiceLists_;  // the latest read; the special entries until then
     std::unique_ptr<AddWidgetDialog> addDialog_;
     std::map<std::string, std::unique_ptr<DashboardWindow>> dashboards_;  // by tool key
     Source dropDashboards_;  // closed ones go outside their signal
-    std::optional<WidgetPosition> addNear_;  // the widget whose menu opened the dialog
+    std::optional<std::string> addOnMonitor_;  // the monitor of the widget whose menu opened the gallery
+    std::unique_ptr<EditWidgetDialog> editDialog_;
+    std::string editing_;  // the id of the widget Edit Widget shows
+    std::unique_ptr<UndoNotice> undoNotice_;
+    std::string dataProblem_;  // where the last build looked for data and what it found; empty when fine
     render::Appearance appearance_ = render::Appearance::light;
     std::unique_ptr<DesktopWatch> desktopWatch_;
     std::unique_ptr<BackgroundQueue> builds_;  // timeline builds, one at a time

@@ -14,15 +14,18 @@
 namespace {
 
 constexpr const char* kHelp =
-    "Usage: meterwick-widget-host [--help] [--version] [URL]\n"
+    "Usage: meterwick-widget-host [--add-widget | --reload] [--help] [--version] [URL]\n"
     "\n"
     "Shows the widgets placed with `meterwick-widgets place` on the desktop and\n"
     "keeps them current. One host runs per session; a second start hands over to\n"
-    "the first. It answers on the session bus as app.meterwick.WidgetHost.\n"
+    "the first, and opens the Add Widget gallery when nothing is placed yet. It\n"
+    "answers on the session bus as app.meterwick.WidgetHost.\n"
     "\n"
     "A meterwick:// URL is handed to the running host: meterwick://tool/KEY opens\n"
     "that tool's Full Dashboard, meterwick://open the Add Widget gallery.\n"
     "\n"
+    "  --add-widget   Open the Add Widget gallery (starting the host if needed)\n"
+    "  --reload       Read the placed widgets and the widget data again\n"
     "  -h, --help     Print this help and exit\n"
     "  --version      Print the version and exit\n";
 

@@ -3,7 +3,6 @@
 #include <cmath>
 
 #include "app/host/desktop_monitors.hpp"
-#include "app/host/dialogs.hpp"
 #include "host/spoken.hpp"
 #include "render/display_list.hpp"
 
@@ -37,7 +36,7 @@ WidgetWindow::WidgetWindow(PlacedWidget placed, ResolvedPlacement resolved, Widg
                                                .moveTo = [this](WidgetPosition p) { placement_.moveTo(p); },
                                                .moved = [this](WidgetPosition p) { dropAt(p); },
                                                .clicked = [this](PointerPoint at) { openLinkAt(at); },
-                                               .edit = [this] { showEditDialog(); },
+                                               .edit = [this] { callbacks_.editRequested(); },
                                                .remove = [this] { callbacks_.removeRequested(); },
                                                .add = [this] { callbacks_.addRequested(placement_.position()); },
                                                .leave = [this] { access_->leave(); },
@@ -60,7 +59,6 @@ WidgetWindow::WidgetWindow(PlacedWidget placed, ResolvedPlacement resolved, Widg
 }
 
 WidgetWindow::~WidgetWindow() {
-    editDialog_.reset();
     input_.reset();
     access_.reset();
     gtk_widget_destroy(window_.get());
@@ -71,7 +69,6 @@ void WidgetWindow::update(const PlacedWidget& placed, const ResolvedPlacement& r
         placed.kind != placed_.kind || placed.family != placed_.family || placed.parameters != placed_.parameters;
     const bool resized = resolved.family != resolved_.family;
     const bool moved = placed.position != placed_.position || placed.monitor != placed_.monitor;
-    if (placed.kind != placed_.kind) editDialog_.reset();  // its parameters belong to the old intent
     placed_ = placed;
     resolved_ = resolved;
     input_->setEditable(widget().intent != nullptr);
@@ -138,6 +135,8 @@ void WidgetWindow::showEntry(const AnyTimeline& timeline, std::size_t entry) {
     surface_.show(shown, resolved_.family);
     const auto& list = surface_.list();
     access_->update(spokenName(widget(), shown), spokenContent(list), list.tapURL, list.size);
+    const bool readProblem = entryReadStatus(shown) != ReadStatus::ok;
+    gtk_widget_set_tooltip_text(window_.get(), readProblem ? callbacks_.dataProblem().c_str() : nullptr);
     presentationChanged();
 }
 
@@ -171,16 +170,6 @@ GdkRectangle WidgetWindow::screenRect() const {
 void WidgetWindow::openLinkAt(PointerPoint at) const {
     const auto url = render::urlAt(surface_.list(), {at.x, at.y});
     if (!url.empty()) callbacks_.openURL(url, screenRect());
-}
-
-void WidgetWindow::showEditDialog() {
-    if (widget().intent == nullptr) return;
-    // A new dialog each time: the tool and provider lists come from a fresh
-    // load of the payload.
-    editDialog_ = std::make_unique<EditWidgetDialog>(
-        *widget().intent, placed_.parameters, callbacks_.container(),
-        [this](const std::string& name, const std::string& value) { callbacks_.parameterChosen(name, value); });
-    editDialog_->present();
 }
 
 }  // namespace mw::host

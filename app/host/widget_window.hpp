@@ -24,8 +24,6 @@
 
 namespace mw::host {
 
-class EditWidgetDialog;
-
 // What a window needs from the host; each call concerns this window's widget.
 struct WidgetWindowCallbacks {
     std::function<render::Appearance()> appearance;
@@ -34,7 +32,7 @@ struct WidgetWindowCallbacks {
     // The widget's place changed (a drag, or a clamp into its monitor): the
     // offset from its monitor's corner and the monitor's identity.
     std::function<void(WidgetPosition offset, const std::optional<std::string>& monitor)> moved;
-    std::function<void(const std::string& name, const std::string& value)> parameterChosen;
+    std::function<void()> editRequested;
     std::function<void()> removeRequested;
     // "Add Widget…" from this widget's menu; `near` is where it stands, in
     // desktop coordinates.
@@ -42,7 +40,9 @@ struct WidgetWindowCallbacks {
     // A link of this widget was followed; `widget` is where the widget is, in
     // desktop coordinates, for a window the link opens beside it.
     std::function<void(const std::string& url, GdkRectangle widget)> openURL;
-    std::function<std::optional<std::filesystem::path>()> container;  // for the Edit Widget choice lists
+    // Where the data was looked for and what was found, for the tooltip of
+    // a widget that shows a read problem.
+    std::function<std::string()> dataProblem;
     std::function<void()> timerFired;
     std::optional<std::filesystem::path> snapshotDirectory;  // MW_HOST_SNAPSHOT_DIR
     HostDisplay display;
@@ -90,7 +90,6 @@ class WidgetWindow {
     void presentationChanged();
     void openLinkAt(PointerPoint at) const;
     GdkRectangle screenRect() const;
-    void showEditDialog();
 
     ObjectRef<GtkWidget> window_;  // first: outlives every piece that refers to it
     PlacedWidget placed_;
@@ -101,7 +100,6 @@ class WidgetWindow {
     std::unique_ptr<WidgetAccess> access_;
     std::unique_ptr<WindowInput> input_;
     WidgetSchedule schedule_;
-    std::unique_ptr<EditWidgetDialog> editDialog_;
     Connection draw_, scale_;
 };
 

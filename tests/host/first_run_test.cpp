@@ -85,5 +85,17 @@ TEST(ContainerFinding, SaysWhatWasFoundWhereTheDataShouldBe) {
     }
 }
 
+TEST(PreviewEntry, NeverShowsAPanelAndKeepsTheChosenSettings) {
+    const TempDir root;  // no payload in it
+    const ProviderContext context{root.path(), *parseISO8601("2025-11-22T03:45:00Z"), {}};
+    for (const auto& widget : widgetDeclarations()) {
+        const auto entry = previewEntry(widget, context, defaultParameters(widget));
+        EXPECT_FALSE(entryPanel(entry)) << widget.kind;
+    }
+    const auto enhanced = previewEntry(*findWidget("focus"), context, {{"style", "enhanced"}, {"tool", "nosuch"}});
+    EXPECT_FALSE(entryPanel(enhanced));
+    EXPECT_EQ(std::get<FocusEntry>(enhanced).style, WidgetDetailStyle::enhanced);
+}
+
 }  // namespace
 }  // namespace mw
