@@ -103,9 +103,10 @@ std::string familyTitle(WidgetFamily family) {
     return std::string(rawValue(family));
 }
 
-Dialog::Dialog(const char* title)
+Dialog::Dialog(const char* title, const char* role)
     : dialog_(gtk_dialog_new()), content_(gtk_dialog_get_content_area(GTK_DIALOG(dialog_))) {
     gtk_window_set_title(GTK_WINDOW(dialog_), title);
+    gtk_window_set_role(GTK_WINDOW(dialog_), role);  // tells it from a widget of the same name
     gtk_window_set_type_hint(GTK_WINDOW(dialog_), GDK_WINDOW_TYPE_HINT_DIALOG);
     gtk_window_set_position(GTK_WINDOW(dialog_), GTK_WIN_POS_MOUSE);
     // One size: sway and other tiling compositors float a window whose
@@ -210,7 +211,8 @@ EditWidgetDialog::EditWidgetDialog(const WidgetDeclaration& widget, WidgetSettin
                                    const ChoiceLists& lists, const ParameterChoices& monitors,
                                    DialogServices& services, WidgetSettingsForm::Changed changed)
     : Dialog(widget.intent != nullptr ? std::string(widget.intent->title).c_str()
-                                      : std::string(widget.displayName).c_str()),
+                                      : std::string(widget.displayName).c_str(),
+             "meterwick-edit-widget"),
       widget_(widget),
       monitors_(monitors),
       changed_(std::move(changed)),
@@ -224,6 +226,17 @@ EditWidgetDialog::EditWidgetDialog(const WidgetDeclaration& widget, WidgetSettin
     showForm(std::move(values), lists);
     gtk_widget_show_all(content_);
     preview_.request(widget_, form_->values().family, form_->values().parameters);
+    focusForm();
+}
+
+// The first setting takes the keyboard, so arrows change it at once.
+void EditWidgetDialog::focusForm() {
+    GList* children = gtk_container_get_children(GTK_CONTAINER(form_->widget()));
+    GtkWidget* first = nullptr;  // the grid lists its children last added first
+    for (GList* c = children; c != nullptr; c = c->next)
+        if (GTK_IS_COMBO_BOX(c->data) && gtk_widget_get_sensitive(GTK_WIDGET(c->data))) first = GTK_WIDGET(c->data);
+    g_list_free(children);
+    if (first != nullptr) gtk_widget_grab_focus(first);  // the list passes it to its button
 }
 
 void EditWidgetDialog::showForm(WidgetSettingsValues values, const ChoiceLists& lists) {
@@ -245,10 +258,11 @@ void EditWidgetDialog::showForm(WidgetSettingsValues values, const ChoiceLists& 
 
 void EditWidgetDialog::setChoiceLists(const ChoiceLists& lists) {
     showForm(form_->values(), lists);
+    focusForm();
 }
 
 AddWidgetDialog::AddWidgetDialog(DialogServices& services, ChoiceLists lists, Add add)
-    : Dialog("Add Widget"),
+    : Dialog("Add Widget", "meterwick-add-widget"),
       services_(services),
       lists_(std::move(lists)),
       add_(std::move(add)),
@@ -259,6 +273,7 @@ AddWidgetDialog::AddWidgetDialog(DialogServices& services, ChoiceLists lists, Ad
       preview_(services, 364, 240) {
     GtkWidget* list = gtk_list_box_new();
     gtk_list_box_set_selection_mode(GTK_LIST_BOX(list), GTK_SELECTION_BROWSE);
+    gtk_list_box_set_activate_on_single_click(GTK_LIST_BOX(list), FALSE);  // a click shows, a double click adds
     for (const auto& widget : widgetDeclarations()) {
         Row row{&widget, std::make_unique<WidgetPreview>(services_, 96, 64)};
         GtkWidget* texts = gtk_box_new(GTK_ORIENTATION_VERTICAL, 2);
@@ -349,6 +364,7 @@ void AddWidgetDialog::appearanceChanged() {
 UndoNotice::UndoNotice(const std::string& text, std::function<void()> undo)
     : window_(gtk_window_new(GTK_WINDOW_TOPLEVEL)), undo_(std::move(undo)) {
     gtk_window_set_title(GTK_WINDOW(window_), "Widget Removed");
+    gtk_window_set_role(GTK_WINDOW(window_), "meterwick-undo");
     gtk_window_set_type_hint(GTK_WINDOW(window_), GDK_WINDOW_TYPE_HINT_DIALOG);
     gtk_window_set_resizable(GTK_WINDOW(window_), FALSE);  // floats on tiling compositors
     gtk_window_set_position(GTK_WINDOW(window_), GTK_WIN_POS_MOUSE);

@@ -60,7 +60,8 @@ struct DialogServices {
 // Escape or its close button.
 class Dialog {
   public:
-    explicit Dialog(const char* title);
+    // `role` names the kind of dialog to the window manager and to tests.
+    Dialog(const char* title, const char* role);
     virtual ~Dialog();
     Dialog(const Dialog&) = delete;
     Dialog& operator=(const Dialog&) = delete;
@@ -134,6 +135,7 @@ class EditWidgetDialog : public Dialog {
 
   private:
     void showForm(WidgetSettingsValues values, const ChoiceLists& lists);
+    void focusForm();
 
     const WidgetDeclaration& widget_;
     ParameterChoices monitors_;

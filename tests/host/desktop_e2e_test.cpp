@@ -11,6 +11,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <optional>
+#include <string_view>
 #include <sstream>
 
 #include "config/family.hpp"
@@ -199,10 +202,142 @@ void monitorsScenario() {
     EXPECT_EQ(dragged->monitor, "HEADLESS-2");
 }
 
+// X11: the window with this title and role (a dialog and a widget may
+// share a title).
+std::string x11WindowWithRole(const std::string& title, const std::string& role) {
+    std::istringstream ids(run("xdotool search --onlyvisible --name '^" + title + "$'").out);
+    for (std::string id; ids >> id;)
+        if (run("xprop -id " + id + " WM_WINDOW_ROLE").out.find("\"" + role + "\"") != std::string::npos) return id;
+    return "";
+}
+
+// sway: the tree's node with this name, and whether it floats.
+std::optional<nlohmann::json> swayNode(const std::string& name, bool& floating) {
+    const auto tree = nlohmann::json::parse(run("swaymsg -r -t get_tree").out, nullptr, false);
+    std::optional<nlohmann::json> found;
+    std::function<void(const nlohmann::json&, bool)> visit = [&](const nlohmann::json& node, bool inFloating) {
+        if (found || !node.is_object()) return;
+        if (node.value("name", nlohmann::json()).is_string() && node["name"] == name) {
+            found = node;
+            floating = inFloating || node.value("type", "") == "floating_con";
+            return;
+        }
+        for (const auto& child : node.value("nodes", nlohmann::json::array())) visit(child, inFloating);
+        for (const auto& child : node.value("floating_nodes", nlohmann::json::array())) visit(child, true);
+    };
+    if (!tree.is_discarded()) visit(tree, false);
+    return found;
+}
+
+bool overlaps(const PlacedWidget& a, const PlacedWidget& b) {
+    const auto sa = widgetSize(*widgetFamilyFromRaw(a.family)), sb = widgetSize(*widgetFamilyFromRaw(b.family));
+    return a.position.x < b.position.x + sb.width && b.position.x < a.position.x + sa.width &&
+           a.position.y < b.position.y + sb.height && b.position.y < a.position.y + sa.height;
+}
+
+// A first start with nothing placed, as a person without a terminal meets
+// it: the gallery opens by itself, widgets are added on free spots, one is
+// edited (size and an option), one removed and put back with Undo. Dark, so
+// the screenshots show the dialogs following the widgets' appearance.
+void firstRunScenario(const std::string& desktop) {
+    const Sandbox box;
+    std::filesystem::create_directories(box.container);  // no payload yet: the gallery shows the sample
+    ::setenv("MW_HOST_APPEARANCE", "dark", 1);
+    ::setenv("NO_AT_BRIDGE", "1", 1);
+    const std::filesystem::path shots = ::getenv("MW_DESKTOP_SHOTS");
+    const auto file = box.config / "meterwick" / kPlacementsFileName;
+    const auto placed = [&](const std::string& id) -> std::optional<PlacedWidget> {
+        const auto widgets = readPlacements(file).widgets;
+        const auto* found = findPlacement(widgets, id);
+        return found ? std::optional(*found) : std::nullopt;
+    };
+
+    Host host(box.hostLogPath());
+    const auto hostLog = [&] { return box.hostLog(); };
+
+    if (desktop == "sway") {
+        // A dialog floats; it is not tiled over the whole output.
+        bool floating = false;
+        ASSERT_TRUE(waitFor([&] { return swayNode("Add Widget", floating).has_value(); }, 30s)) << hostLog();
+        EXPECT_TRUE(floating) << run("swaymsg -t get_tree").out;
+        const auto gallery = *swayNode("Add Widget", floating);
+        EXPECT_LT(gallery["rect"]["width"].get<int>(), 1920);
+        screenshot("sway", shots / "gallery-dark.png");
+        // A double click on the second row adds that widget.
+        const int x = gallery["rect"]["x"].get<int>() + gallery["window_rect"]["x"].get<int>() + 200;
+        const int y = gallery["rect"]["y"].get<int>() + gallery["window_rect"]["y"].get<int>() + 160;
+        const std::string at = " move " + std::to_string(x) + " " + std::to_string(y);
+        run("'" MW_VIRTUAL_POINTER "' 1920 1080" + at + " wait 200 press wait 30 release wait 30 press wait 30 release wait 300");
+        EXPECT_TRUE(waitFor([&] { return placed("accounts-1").has_value(); }, 10s)) << hostLog();
+        screenshot("sway", shots / "added-dark.png");
+        return;
+    }
+
+    // The gallery, focused, as a dialog.
+    ASSERT_TRUE(waitFor([] { return !x11Window("Add Widget").empty(); }, 30s)) << hostLog();
+    const auto gallery = x11Window("Add Widget");
+    EXPECT_NE(run("xprop -id " + gallery + " _NET_WM_WINDOW_TYPE").out.find("_NET_WM_WINDOW_TYPE_DIALOG"),
+              std::string::npos);
+    EXPECT_TRUE(waitFor([&] { return run("xdotool getactivewindow").out.find(gallery) == 0; }, 5s))
+        << "the gallery has the focus";
+    screenshot(desktop, shots / "gallery-dark.png");
+
+    // Escape hides it; the desktop entry's action opens it again.
+    run("xdotool windowfocus --sync " + gallery + " && xdotool key Escape");
+    ASSERT_TRUE(waitFor([] { return x11Window("Add Widget").empty(); }, 10s));
+    EXPECT_EQ(run("gapplication action app.meterwick.WidgetHost add-widget").status, 0);
+    ASSERT_TRUE(waitFor([] { return !x11Window("Add Widget").empty(); }, 10s)) << hostLog();
+
+    // Enter adds the first widget; Down Down Enter the third, beside it.
+    run("xdotool windowfocus --sync " + gallery + " && xdotool key Return");
+    ASSERT_TRUE(waitFor([&] { return placed("focus-1").has_value(); }, 10s)) << hostLog();
+    run("xdotool windowfocus --sync " + gallery + " && xdotool key Down Down Return");
+    ASSERT_TRUE(waitFor([&] { return placed("accounts-limit-1").has_value(); }, 10s)) << hostLog();
+    const auto focus = *placed("focus-1"), board = *placed("accounts-limit-1");
+    EXPECT_FALSE(overlaps(focus, board)) << board.position.x << "," << board.position.y;
+    EXPECT_EQ(focus.position, (WidgetPosition{24, 24}));
+    screenshot(desktop, shots / "added-dark.png");
+    run("xdotool windowfocus --sync " + gallery + " && xdotool key Escape");
+
+    // Edit Widget from the board's menu: Down on the size, then Tab Tab Down
+    // on the limit; the store follows each change.
+    const auto menuOpens = [&](WidgetPosition at, const char* keys, const std::function<bool()>& opened) {
+        for (int attempt = 0; attempt < 3; ++attempt) {
+            run("xdotool mousemove " + std::to_string(at.x) + " " + std::to_string(at.y) + " click 3 sleep " +
+                std::to_string(1 + attempt) + " key " + keys);
+            if (waitFor(opened, 8s)) return true;
+            run("xdotool key Escape");
+        }
+        return false;
+    };
+    const WidgetPosition onBoard{board.position.x + 100, board.position.y + 80};
+    ASSERT_TRUE(menuOpens(onBoard, "Down Return",
+                          [] { return !x11WindowWithRole("Accounts by Limit", "meterwick-edit-widget").empty(); }))
+        << hostLog();
+    const auto edit = x11WindowWithRole("Accounts by Limit", "meterwick-edit-widget");
+    run("xdotool windowfocus --sync " + edit + " && xdotool key Down && sleep 0.5 && xdotool key Tab Tab Down");
+    EXPECT_TRUE(waitFor([&] {
+        const auto now = placed("accounts-limit-1");
+        return now && now->family == "systemLarge" && now->parameters.at("limit") == "fiveHour";
+    }, 10s)) << readFile(file);
+    screenshot(desktop, shots / "edited-dark.png");
+    run("xdotool windowfocus --sync " + edit + " && xdotool key Escape");
+
+    // Remove, then Undo: the widget comes back as it was.
+    const WidgetPosition onFocus{focus.position.x + 80, focus.position.y + 80};
+    ASSERT_TRUE(menuOpens(onFocus, "Down Down Return", [&] { return !placed("focus-1").has_value(); })) << hostLog();
+    ASSERT_TRUE(waitFor([] { return !x11Window("Widget Removed").empty(); }, 10s)) << hostLog();
+    screenshot(desktop, shots / "removed-dark.png");
+    run("xdotool windowfocus --sync " + x11Window("Widget Removed") + " && xdotool key Return");
+    EXPECT_TRUE(waitFor([&] { return placed("focus-1") == focus; }, 10s)) << readFile(file);
+}
+
 void inDesktop(const std::string& desktop) {
     if (const char* inside = std::getenv(kInsideVariable); inside != nullptr) {
         if (std::string(inside) == "sway-outputs")
             monitorsScenario();
+        else if (std::string_view(inside).ends_with("-first-run"))
+            firstRunScenario(std::string(inside).substr(0, std::string_view(inside).find("-first-run")));
         else
             scenario(inside);
         return;
@@ -211,7 +346,7 @@ void inDesktop(const std::string& desktop) {
     const auto shots = std::filesystem::current_path() / ("desktop-shots-" + desktop);
     std::filesystem::create_directories(shots);
     std::filesystem::permissions(shots, std::filesystem::perms::all);
-    const std::string session = desktop == "sway-outputs" ? "sway" : desktop;
+    const std::string session = desktop == "sway-outputs" ? "sway" : desktop.substr(0, desktop.find("-first-run"));
     runThisTestInside("'" MW_DESKTOP_SESSION "' " + session,
                       std::string(kInsideVariable) + "=" + desktop + " MW_DESKTOP_SHOTS='" + shots.string() + "'", 240s);
 }
@@ -222,6 +357,8 @@ TEST(DesktopEndToEnd, SwayTwoOutputs) { inDesktop("sway-outputs"); }
 TEST(DesktopEndToEnd, Mutter) { inDesktop("mutter"); }
 TEST(DesktopEndToEnd, Xfwm4) { inDesktop("xfwm4"); }
 TEST(DesktopEndToEnd, KWin) { inDesktop("kwin"); }
+TEST(DesktopEndToEnd, OpenboxFirstRun) { inDesktop("openbox-first-run"); }
+TEST(DesktopEndToEnd, SwayFirstRun) { inDesktop("sway-first-run"); }
 
 }  // namespace
 }  // namespace mw
