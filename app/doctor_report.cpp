@@ -161,12 +161,12 @@ std::vector<Finding> desktopFindings(const DoctorFacts& facts) {
         out.push_back(problem("portal", "No settings portal: light and dark follow the GTK theme only",
                               "install xdg-desktop-portal with a backend such as xdg-desktop-portal-gtk"));
 
+    // With no application registered, the host follows the links itself.
     if (facts.urlHandler)
         out.push_back(ok("urlHandler", "meterwick:// links open with " + *facts.urlHandler));
     else
-        out.push_back(problem("urlHandler", "Nothing handles meterwick:// links, so clicks on widgets do nothing",
-                              "install the package (or `cmake --install`), then run `xdg-mime default "
-                              "app.meterwick.WidgetHost.desktop x-scheme-handler/meterwick`"));
+        out.push_back(ok("urlHandler", "No application is registered for meterwick:// links; the widget host "
+                                       "follows them itself"));
     return out;
 }
 
