@@ -311,6 +311,19 @@ void drawShape(cairo_t* cr, const ShapeDraw& s, const Rect& frame, Appearance ap
     cairo_set_dash(cr, nullptr, 0, 0);
 }
 
+// Points the context at the drawing's current transformation, and only
+// that. Pango's own update would also merge in the target surface's font
+// options (an X11 window's screen settings), which makes a second set of
+// fonts, each with its own glyph cache, beside the measurer's for the same
+// faces and sizes; every option that changes the widgets' text is set by
+// TextEngine::configure.
+void followTransform(cairo_t* cr, PangoContext* context) {
+    cairo_matrix_t m;
+    cairo_get_matrix(cr, &m);
+    const PangoMatrix matrix{m.xx, m.xy, m.yx, m.yy, 0, 0};
+    pango_context_set_matrix(context, &matrix);
+}
+
 void drawText(cairo_t* cr, PangoContext* context, const TextDraw& t, Rect f, Appearance appearance) {
     const RGBA c = resolve(t.color, appearance);
     if (c.a <= 0 || t.runs.empty()) return;
@@ -412,8 +425,7 @@ void paint(cairo_t* cr, const DisplayList& list, Appearance appearance) {
     cairo_matrix_t base;
     cairo_get_matrix(cr, &base);
     PangoContext* context = textEngine().newContext();
-    pango_cairo_update_context(cr, context);
-    TextEngine::configure(context);
+    followTransform(cr, context);
     int clipDepth = 0;
     for (const DrawOp& op : list.ops) {
         std::visit(
@@ -441,11 +453,11 @@ void paint(cairo_t* cr, const DisplayList& list, Appearance appearance) {
                     if constexpr (std::is_same_v<T, ShapeDraw>) {
                         drawShape(cr, item, op.frame, appearance);
                     } else if constexpr (std::is_same_v<T, TextDraw>) {
-                        if (!op.transform.isIdentity()) pango_cairo_update_context(cr, context);
+                        if (!op.transform.isIdentity()) followTransform(cr, context);
                         drawText(cr, context, item, op.frame, appearance);
                         if (!op.transform.isIdentity()) {
                             cairo_set_matrix(cr, &base);
-                            pango_cairo_update_context(cr, context);
+                            followTransform(cr, context);
                         }
                     } else if constexpr (std::is_same_v<T, ImageDraw>) {
                         drawImage(cr, item, op.frame, appearance);
