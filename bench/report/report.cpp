@@ -55,6 +55,7 @@ struct ChildResult {
     int status = -1;      // exit status, or -1 when it did not exit normally
     double wallMS = 0;    // spawn to reaped
     double maxRSSKB = 0;  // the child's peak resident memory
+    double cpuMS = 0;     // user + system time of the child
 };
 
 // Runs `argv` with stdout to `out` (or /dev/null) and stderr to /dev/null.
@@ -79,14 +80,16 @@ std::optional<ChildResult> runChild(const std::vector<std::string>& args, const 
     while (wait4(pid, &status, 0, &usage) < 0)
         if (errno != EINTR) return std::nullopt;
     const auto end = std::chrono::steady_clock::now();
+    const auto ms = [](const timeval& t) { return static_cast<double>(t.tv_sec) * 1e3 + t.tv_usec / 1e3; };
     return ChildResult{WIFEXITED(status) ? WEXITSTATUS(status) : -1,
                        std::chrono::duration<double, std::milli>(end - start).count(),
-                       static_cast<double>(usage.ru_maxrss)};
+                       static_cast<double>(usage.ru_maxrss), ms(usage.ru_utime) + ms(usage.ru_stime)};
 }
 
 struct ProcessFigures {
     std::optional<double> wallMS;    // median over the runs
     std::optional<double> maxRSSKB;  // median over the runs
+    std::optional<double> cpuMS;     // median over the runs: what a busy machine does not inflate
 };
 
 // A few warm-up runs (page cache, fontconfig's cache), then the median of
@@ -101,13 +104,15 @@ ProcessFigures timeProcess(const std::vector<std::string>& args, int runs) {
     }
     std::vector<double> wall;
     std::vector<double> rss;
+    std::vector<double> cpu;
     for (int i = 0; i < runs; ++i) {
         const auto r = runChild(args);
         if (!r || r->status != 0) return {};
         wall.push_back(r->wallMS);
         rss.push_back(r->maxRSSKB);
+        cpu.push_back(r->cpuMS);
     }
-    return {median(wall), median(rss)};
+    return {median(wall), median(rss), median(cpu)};
 }
 
 // ---- Google Benchmark results ---------------------------------------------
@@ -143,13 +148,15 @@ BenchTimes readBenchmarkJSON(const fs::path& file) {
     return times;
 }
 
-BenchTimes runBenchmarks(const Settings& settings, const fs::path& program, const fs::path& scratch) {
+BenchTimes runBenchmarks(const Settings& settings, const fs::path& program, const fs::path& scratch,
+                         const std::vector<std::string>& extra = {}) {
     if (!fs::exists(program)) {
         std::fprintf(stderr, "  %s is not built\n", program.c_str());
         return {};
     }
     const fs::path out = scratch / (program.filename().string() + ".json");
     std::vector<std::string> args{program.string(), "--benchmark_out=" + out.string(), "--benchmark_out_format=json"};
+    args.insert(args.end(), extra.begin(), extra.end());
     if (settings.quick) {
         args.push_back("--benchmark_min_time=0.02");
     } else {
@@ -268,6 +275,7 @@ int run(const Settings& settings) {
     const auto payload = runBenchmarks(settings, b / "bench/payload/mw_bench_payload", scratch);
     const auto timeline = runBenchmarks(settings, b / "bench/timeline/mw_timeline_bench", scratch);
     const auto widgets = runBenchmarks(settings, b / "bench/widgets/mw_widget_bench", scratch);
+    const auto manyTools = runBenchmarks(settings, b / "bench/tools/mw_tools_bench", scratch, {"--tools", "10000"});
 
     std::fprintf(stderr, "processes (median of %d runs)…\n", settings.runs);
     const std::string cli = (b / "app/meterwick-widgets").string();
@@ -281,10 +289,14 @@ int run(const Settings& settings) {
     const auto galleryRun =
         timeProcess({cli, "--now", nowText, "gallery", "--output", galleryDir.string()}, std::max(3, settings.runs / 4));
     std::optional<double> galleryPerImage;
+    std::optional<double> galleryCPUPerImage;
     if (galleryRun.wallMS) {
         int images = 0;
         for (const auto& entry : fs::directory_iterator(galleryDir)) images += entry.path().extension() == ".png";
-        if (images > 0) galleryPerImage = *galleryRun.wallMS / images;
+        if (images > 0) {
+            galleryPerImage = *galleryRun.wallMS / images;
+            galleryCPUPerImage = *galleryRun.cpuMS / images;
+        }
     }
     std::vector<ProcessFigures> renderRuns;
     for (const auto& w : kProcesses)
@@ -313,6 +325,13 @@ int run(const Settings& settings) {
     for (const auto* kind : kKinds)
         table.row(std::string("timeline ") + kind, lookup(timeline, std::string("BM_Timeline/") + kind), "us", load);
 
+    table.section("10000 tools, 10.8 MB: load, timeline, layout, paint (floor: WidgetStore::load of the file)");
+    const auto manyLoad = lookup(manyTools, "BM_ToolsLoad/10000", 1000);
+    table.row("WidgetStore::load", manyLoad, "ms", std::nullopt);
+    for (const auto* kind : kKinds)
+        table.row(std::string("whole draw, ") + kind, lookup(manyTools, std::string("BM_ToolsDraw/") + kind + "/10000", 1000),
+                  "ms", manyLoad);
+
     table.section("layout + paint at scale 2, warm text cache (floor: layout alone)");
     for (const auto& w : kDrawn) {
         const std::string name = std::string(w.kind) + "/" + w.family;
@@ -335,6 +354,15 @@ int run(const Settings& settings) {
     for (std::size_t i = 0; i < std::size(kProcesses); ++i)
         table.row(std::string("render ") + kProcesses[i].kind + " " + kProcesses[i].family + " @2x",
                   renderRuns[i].wallMS, "ms", pangoRun.wallMS);
+
+    table.section("whole process, CPU time (user + system; the same floors)");
+    table.row("C++ hello world (iostream)", helloRun.cpuMS, "ms", std::nullopt);
+    table.row("Pango start-up (font map, one line)", pangoRun.cpuMS, "ms", std::nullopt);
+    table.row("meterwick-widgets timeline accounts", timelineRun.cpuMS, "ms", helloRun.cpuMS);
+    table.row("gallery, per image (whole process / images)", galleryCPUPerImage, "ms", std::nullopt);
+    for (std::size_t i = 0; i < std::size(kProcesses); ++i)
+        table.row(std::string("render ") + kProcesses[i].kind + " " + kProcesses[i].family + " @2x",
+                  renderRuns[i].cpuMS, "ms", pangoRun.cpuMS);
 
     table.section("peak memory, max RSS of the process (floor: Pango start-up)");
     table.row("Pango start-up", kbToMB(pangoRun.maxRSSKB), "MB", std::nullopt);
@@ -382,20 +410,26 @@ int run(const Settings& settings) {
         return *value / *floor;
     };
     std::printf("\n");
-    if (const auto r = ratio(timelineRun.wallMS, helloRun.wallMS))
-        std::printf("target: a timeline process within 3x a C++ hello world: %s (%.2fx)\n", *r <= 3 ? "met" : "missed",
-                    *r);
-    std::optional<double> worstRender;
-    for (const auto& run : renderRuns)
-        if (const auto r = ratio(run.wallMS, pangoRun.wallMS)) worstRender = std::max(worstRender.value_or(0), *r);
-    if (worstRender)
-        std::printf("target: every render process within 2x Pango start-up: %s (worst %.2fx)\n",
-                    *worstRender <= 2 ? "met" : "missed", *worstRender);
-    if (galleryPerImage)
-        std::printf("target: gallery at most 12 ms per image: %s (%.1f ms)\n", *galleryPerImage <= 12 ? "met" : "missed",
-                    *galleryPerImage);
+    // Process targets by wall time and by CPU time: on a machine busy with
+    // other work the wall time of every process grows, the floors' included,
+    // while the CPU time stays what the program itself costs.
+    for (const auto& [what, wall] : {std::pair{"wall", true}, std::pair{"CPU", false}}) {
+        const auto time = [wall](const ProcessFigures& f) { return wall ? f.wallMS : f.cpuMS; };
+        if (const auto r = ratio(time(timelineRun), time(helloRun)))
+            std::printf("target: a timeline process within 3x a C++ hello world (%s time): %s (%.2fx)\n", what,
+                        *r <= 3 ? "met" : "missed", *r);
+        std::optional<double> worstRender;
+        for (const auto& run : renderRuns)
+            if (const auto r = ratio(time(run), time(pangoRun))) worstRender = std::max(worstRender.value_or(0), *r);
+        if (worstRender)
+            std::printf("target: every render process within 2x Pango start-up (%s time): %s (worst %.2fx)\n", what,
+                        *worstRender <= 2 ? "met" : "missed", *worstRender);
+        if (const auto perImage = wall ? galleryPerImage : galleryCPUPerImage)
+            std::printf("target: gallery at most 12 ms per image (%s time): %s (%.1f ms)\n", what,
+                        *perImage <= 12 ? "met" : "missed", *perImage);
+    }
     if (const auto rss = get(host, "host_rss_kb", 1024)) {
-        std::printf("target: host resident memory under 30 MB: %s (%.1f MB)\n", *rss < 30 ? "met" : "missed", *rss);
+        std::printf("target: host resident memory at most 30 MB: %s (%.1f MB)\n", *rss <= 30 ? "met" : "missed", *rss);
         if (const auto wakeups = get(host, "timer_wakeups"))
             std::printf("target: no timer wake-ups between entry dates: %s (%.0f)\n", *wakeups == 0 ? "met" : "missed",
                         *wakeups);
