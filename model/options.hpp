@@ -67,13 +67,6 @@ constexpr std::string_view rawValue(E value) {
     return {};
 }
 
-template <class E>
-constexpr std::string_view displayText(E value) {
-    for (const auto& c : OptionTable<E>::cases)
-        if (c.value == value) return c.display;
-    return {};
-}
-
 // Unknown text maps to no case.
 template <class E>
 constexpr std::optional<E> fromRaw(std::string_view raw) {

@@ -9,10 +9,4 @@ Date systemNow() {
     return Date::fromUnix(std::chrono::duration<double>(since).count());
 }
 
-Clock systemClock() { return systemNow; }
-
-Clock fixedClock(Date date) {
-    return [date] { return date; };
-}
-
 }  // namespace mw

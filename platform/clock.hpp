@@ -1,15 +1,10 @@
 #pragma once
-#include <functional>
-
 #include "platform/date.hpp"
 
 namespace mw {
 
-// Anything that answers "what time is it"; tests and --now pass a fixed one.
-using Clock = std::function<Date()>;
-
+// The wall clock. Code below the commands takes "now" as an argument, so
+// only the commands and the host read it.
 Date systemNow();
-Clock systemClock();
-Clock fixedClock(Date date);
 
 }  // namespace mw

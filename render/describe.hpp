@@ -7,7 +7,7 @@
 // "clip", "clipEnd", "link") and "frame" [x,y,w,h] in points (before any
 // rotation; "rotation" in degrees is present when it is not 0), plus:
 //   shape:  "shape" (rectangle, roundedRectangle + "cornerRadius", capsule,
-//           circle, ellipse, path + "points"), "color", "paint" ("fill" or
+//           circle, path + "points"), "color", "paint" ("fill" or
 //           "stroke"), "stroke" {lineWidth, cap, join, miterLimit, dash},
 //           "trim" [from,to] when not the full outline
 //   text:   "text" (as shown), "font" {size, weight, design,

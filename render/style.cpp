@@ -25,7 +25,7 @@ constexpr std::pair<LineJoin, std::string_view> kJoins[] = {
 constexpr std::pair<ShapeKind, std::string_view> kShapes[] = {
     {ShapeKind::rectangle, "rectangle"}, {ShapeKind::roundedRectangle, "roundedRectangle"},
     {ShapeKind::capsule, "capsule"},     {ShapeKind::circle, "circle"},
-    {ShapeKind::ellipse, "ellipse"},     {ShapeKind::path, "path"}};
+    {ShapeKind::path, "path"}};
 constexpr std::pair<HAlign, std::string_view> kHAligns[] = {
     {HAlign::leading, "leading"}, {HAlign::center, "center"}, {HAlign::trailing, "trailing"}};
 constexpr std::pair<VAlign, std::string_view> kVAligns[] = {

@@ -94,7 +94,7 @@ struct PathData {
 
 // ---------------------------------------------------------------- shapes
 
-enum class ShapeKind : std::uint8_t { rectangle, roundedRectangle, capsule, circle, ellipse, path };
+enum class ShapeKind : std::uint8_t { rectangle, roundedRectangle, capsule, circle, path };
 std::string_view shapeKindName(ShapeKind k);
 
 enum class CornerStyle : std::uint8_t { circular, continuous };
@@ -113,12 +113,11 @@ struct Shape {
     static Shape capsule() { return {ShapeKind::capsule, 0, CornerStyle::continuous, {}}; }
     // A circle is the largest circle centred in the frame (side = min(w, h)).
     static Shape circle() { return {ShapeKind::circle, 0, CornerStyle::continuous, {}}; }
-    static Shape ellipse() { return {ShapeKind::ellipse, 0, CornerStyle::continuous, {}}; }
     static Shape ofPath(PathData data) { return {ShapeKind::path, 0, CornerStyle::continuous, std::move(data)}; }
 };
 
 // The part of a shape's outline that is drawn, as fractions of its length.
-// Outlines start at the rightmost point (3 o'clock) for circles and ellipses,
+// Outlines start at the rightmost point (3 o'clock) for circles,
 // at the top-left corner's end for rectangles, and run clockwise on screen.
 struct Trim {
     double from = 0;

@@ -54,15 +54,6 @@ std::vector<NodePtr> nonEmpty(std::vector<View>& children) {
 
 }  // namespace
 
-std::string_view contentModeName(ContentMode m) {
-    switch (m) {
-        case ContentMode::fit: return "fit";
-        case ContentMode::fill: return "fill";
-        case ContentMode::stretch: return "stretch";
-    }
-    return "fit";
-}
-
 View::View() : node_(emptyNode()) {}
 View::View(std::shared_ptr<const Node> node) : node_(node ? std::move(node) : emptyNode()) {}
 
@@ -285,7 +276,6 @@ View RoundedRectangle(double cornerRadius, CornerStyle style) {
 }
 View Capsule() { return ShapeView(Shape::capsule()); }
 View Circle() { return ShapeView(Shape::circle()); }
-View Ellipse() { return ShapeView(Shape::ellipse()); }
 View Path(PathData data) { return ShapeView(Shape::ofPath(std::move(data))); }
 
 View GeometryReader(std::function<View(Size)> builder) { return make(GeometryNode{std::move(builder)}); }

@@ -76,7 +76,6 @@ struct Frame {
 
 // How a resizable image fills its frame.
 enum class ContentMode : std::uint8_t { fit, fill, stretch };
-std::string_view contentModeName(ContentMode m);
 
 class View {
 public:
@@ -179,7 +178,6 @@ View Rectangle();
 View RoundedRectangle(double cornerRadius, CornerStyle style = CornerStyle::continuous);
 View Capsule();
 View Circle();
-View Ellipse();
 View Path(PathData data);
 View ShapeView(Shape shape);
 

@@ -109,10 +109,6 @@ void shapePath(cairo_t* cr, const Shape& shape, const Rect& f) {
             cairo_close_path(cr);
             break;
         }
-        case ShapeKind::ellipse:
-            ellipsePath(cr, f.center(), f.width / 2, f.height / 2, 0, 2 * kPi);
-            cairo_close_path(cr);
-            break;
         case ShapeKind::path:
             for (const auto& e : shape.path.elements) {
                 const Point p = shape.path.unit ? Point{f.x + e.point.x * f.width, f.y + e.point.y * f.height}
@@ -194,11 +190,10 @@ void trimmedShapePath(cairo_t* cr, const Shape& shape, const Rect& f, Trim trim)
         return;
     }
     if (to <= from) return;
-    if (shape.kind == ShapeKind::circle || shape.kind == ShapeKind::ellipse) {
+    if (shape.kind == ShapeKind::circle) {
         // Exact arcs: start at 3 o'clock and run clockwise on screen.
-        const double rx = shape.kind == ShapeKind::circle ? std::min(f.width, f.height) / 2 : f.width / 2;
-        const double ry = shape.kind == ShapeKind::circle ? rx : f.height / 2;
-        ellipsePath(cr, f.center(), rx, ry, from * 2 * kPi, to * 2 * kPi);
+        const double r = std::min(f.width, f.height) / 2;
+        ellipsePath(cr, f.center(), r, r, from * 2 * kPi, to * 2 * kPi);
         return;
     }
     shapePath(cr, shape, f);
