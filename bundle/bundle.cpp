@@ -1,25 +1,14 @@
 #include "bundle/bundle.hpp"
 
 #include <algorithm>
+#include <type_traits>
 
+#include "bundle/kinds.hpp"
 #include "payload/json_support.hpp"
 #include "payload/store.hpp"
-#include "platform/url.hpp"
-#include "widgets/accounts/content.hpp"
-#include "widgets/dashboard/content.hpp"
-#include "timeline/focus_content.hpp"
-#include "widgets/limit/content.hpp"
-#include "widgets/sparkline/content.hpp"
 
 namespace mw {
 namespace {
-
-template <class... F>
-struct Overloaded : F... {
-    using F::operator()...;
-};
-template <class... F>
-Overloaded(F...) -> Overloaded<F...>;
 
 // Entity ids need the current lists; only load for them when one is given.
 ChoiceLists listsFor(const ProviderContext& context, const IntentParameters& parameters) {
@@ -35,82 +24,50 @@ AnyTimeline erased(Timeline<Entry> timeline) {
 }
 
 // Provider hooks of an intent-configured widget.
-template <class Provider, class Intent>
+template <class Entry>
 AnyEntry intentSnapshot(const ProviderContext& context, const IntentParameters& parameters) {
-    return Provider::snapshot(intentFromParameters<Intent>(parameters, listsFor(context, parameters)), context);
+    using Intent = typename Provider<Entry>::Intent;
+    return Provider<Entry>::snapshot(intentFromParameters<Intent>(parameters, listsFor(context, parameters)),
+                                     context);
 }
 
-template <class Provider, class Intent>
+template <class Entry>
 AnyTimeline intentTimeline(const ProviderContext& context, const IntentParameters& parameters) {
+    using Intent = typename Provider<Entry>::Intent;
     return erased(
-        Provider::timeline(intentFromParameters<Intent>(parameters, listsFor(context, parameters)), context));
+        Provider<Entry>::timeline(intentFromParameters<Intent>(parameters, listsFor(context, parameters)), context));
 }
 
-template <class Provider>
-AnyEntry anyPlaceholder(Date now) {
-    return Provider::placeholder(now);
-}
-
-std::vector<WidgetDeclaration> makeDeclarations() {
-    using F = WidgetFamily;
-    std::vector<WidgetDeclaration> widgets;
-
-    WidgetDeclaration focus{
-        "FocusWidget", "MeterwickFocus", FocusProvider::kindWord, "Tool Focus",
-        "Big ring gauge for one tool. Pick which, and choose Enhanced in Edit Widget for session, weekly and pacing.",
-        {F::systemSmall}, &FocusWidgetIntent::description()};
-    focus.placeholder = anyPlaceholder<FocusProvider>;
-    focus.snapshot = intentSnapshot<FocusProvider, FocusWidgetIntent>;
-    focus.timeline = intentTimeline<FocusProvider, FocusWidgetIntent>;
-    widgets.push_back(focus);
-
-    WidgetDeclaration accounts{
-        "AccountsWidget", "MeterwickAccounts", AccountsProvider::kindWord, "All Accounts",
-        "Every account at a glance: session and weekly limits with pacing and resets.",
-        {F::systemMedium, F::systemLarge, F::systemExtraLarge}, nullptr};
-    accounts.placeholder = anyPlaceholder<AccountsProvider>;
-    accounts.snapshot = [](const ProviderContext& context, const IntentParameters&) -> AnyEntry {
-        return AccountsProvider::snapshot(context);
-    };
-    accounts.timeline = [](const ProviderContext& context, const IntentParameters&) {
-        return erased(AccountsProvider::timeline(context));
-    };
-    widgets.push_back(accounts);
-
-    WidgetDeclaration limit{
-        "AccountsLimitWidget", "MeterwickAccountsByLimit", AccountsLimitProvider::kindWord, "Accounts by Limit",
-        "Weekly or 5-hour room left on every account, most room first. Pick a provider in Edit Widget.",
-        {F::systemMedium, F::systemLarge, F::systemExtraLarge}, &AccountsLimitWidgetIntent::description()};
-    limit.placeholder = anyPlaceholder<AccountsLimitProvider>;
-    limit.snapshot = intentSnapshot<AccountsLimitProvider, AccountsLimitWidgetIntent>;
-    limit.timeline = intentTimeline<AccountsLimitProvider, AccountsLimitWidgetIntent>;
-    widgets.push_back(limit);
-
-    WidgetDeclaration sparkline{
-        "SparklineWidget", "MeterwickSparkline", SparklineProvider::kindWord, "Pace Sparkline",
-        "5-hour rate-delta curve for one tool. Pick which.", {F::systemMedium},
-        &SparklineWidgetIntent::description()};
-    sparkline.placeholder = anyPlaceholder<SparklineProvider>;
-    sparkline.snapshot = intentSnapshot<SparklineProvider, SparklineWidgetIntent>;
-    sparkline.timeline = intentTimeline<SparklineProvider, SparklineWidgetIntent>;
-    widgets.push_back(sparkline);
-
-    WidgetDeclaration dashboard{
-        "DashboardWidget", "MeterwickDashboard", DashboardProvider::kindWord, "Full Dashboard",
-        "The whole usage breakdown for one tool, like the menu bar popover, pinned to your desktop.",
-        {F::systemLarge, F::systemExtraLarge}, &DashboardWidgetIntent::description()};
-    dashboard.placeholder = anyPlaceholder<DashboardProvider>;
-    dashboard.snapshot = intentSnapshot<DashboardProvider, DashboardWidgetIntent>;
-    dashboard.timeline = intentTimeline<DashboardProvider, DashboardWidgetIntent>;
-    widgets.push_back(dashboard);
-
-    for (auto& widget : widgets) {
-        widget.panel = entryPanel;
-        widget.resolvedOptions = entryResolvedOptions;
-        widget.resolvedToolID = entryResolvedToolID;
-        widget.tapURL = entryTapURL;
+template <class Entry>
+WidgetDeclaration declaration() {
+    using Kind = WidgetKind<Entry>;
+    using Intent = typename Provider<Entry>::Intent;
+    WidgetDeclaration widget{Kind::widgetType,
+                             Kind::kind,
+                             Provider<Entry>::kindWord,
+                             Kind::displayName,
+                             Kind::description,
+                             {Kind::families.begin(), Kind::families.end()},
+                             nullptr};
+    widget.placeholder = [](Date now) -> AnyEntry { return Provider<Entry>::placeholder(now); };
+    if constexpr (std::is_same_v<Intent, NoIntent>) {
+        widget.snapshot = [](const ProviderContext& context, const IntentParameters&) -> AnyEntry {
+            return Provider<Entry>::snapshot(context);
+        };
+        widget.timeline = [](const ProviderContext& context, const IntentParameters&) {
+            return erased(Provider<Entry>::timeline(context));
+        };
+    } else {
+        widget.intent = &Intent::description();
+        widget.snapshot = intentSnapshot<Entry>;
+        widget.timeline = intentTimeline<Entry>;
     }
-    return widgets;
+    return widget;
+}
+
+template <class... Entries>
+std::vector<WidgetDeclaration> declarations(KindTable<Entries...>) {
+    return {declaration<Entries>()...};
 }
 
 nlohmann::ordered_json optionalText(const std::optional<std::string_view>& text) {
@@ -121,7 +78,7 @@ nlohmann::ordered_json optionalText(const std::optional<std::string_view>& text)
 }  // namespace
 
 const std::vector<WidgetDeclaration>& widgetDeclarations() {
-    static const std::vector<WidgetDeclaration> widgets = makeDeclarations();
+    static const std::vector<WidgetDeclaration> widgets = declarations(WidgetKinds{});
     return widgets;
 }
 
@@ -143,56 +100,20 @@ ReadStatus entryReadStatus(const AnyEntry& entry) {
     return std::visit([](const auto& e) { return e.readStatus; }, entry);
 }
 
-const WidgetPayload& entryPayload(const AnyEntry& entry) {
-    return std::visit([](const auto& e) -> const WidgetPayload& { return e.payload; }, entry);
-}
-
 std::optional<WidgetEmptyState> entryPanel(const AnyEntry& entry) {
-    return std::visit(Overloaded{
-                          [](const FocusEntry& e) { return focusPanel(e); },
-                          [](const AccountsEntry& e) { return accountsPanel(e); },
-                          [](const AccountsLimitEntry& e) { return accountsLimitPanel(e); },
-                          [](const SparklineEntry& e) { return sparklinePanel(e); },
-                          [](const DashboardEntry& e) { return dashboardPanel(e); },
-                      },
-                      entry);
+    return visitKind(entry, [](auto kind, const auto& e) { return kind.panel(e); });
 }
 
 nlohmann::ordered_json entryResolvedOptions(const AnyEntry& entry) {
-    return std::visit(Overloaded{
-                          [](const FocusEntry& e) {
-                              return nlohmann::ordered_json{{"tool", toJSON(e.chosen)},
-                                                    {"style", std::string(rawValue(e.style))}};
-                          },
-                          [](const AccountsEntry&) { return nlohmann::ordered_json::object(); },
-                          [](const AccountsLimitEntry& e) {
-                              return nlohmann::ordered_json{{"provider", toJSON(e.provider)},
-                                                    {"limit", std::string(rawValue(e.limit))},
-                                                    {"percent", std::string(rawValue(e.percent))},
-                                                    {"order", std::string(rawValue(e.order))}};
-                          },
-                          [](const SparklineEntry& e) { return nlohmann::ordered_json{{"tool", toJSON(e.chosen)}}; },
-                          [](const DashboardEntry& e) { return nlohmann::ordered_json{{"tool", toJSON(e.chosen)}}; },
-                      },
-                      entry);
+    return visitKind(entry, [](auto kind, const auto& e) { return kind.options(e); });
 }
 
 std::optional<std::string> entryResolvedToolID(const AnyEntry& entry) {
-    return std::visit(Overloaded{
-                          [](const AccountsEntry&) { return std::optional<std::string>(); },
-                          [](const AccountsLimitEntry& e) { return resolvedProviderID(e); },
-                          [](const auto& e) { return resolvedToolKey(e); },
-                      },
-                      entry);
+    return visitKind(entry, [](auto kind, const auto& e) { return kind.resolvedTool(e); });
 }
 
 std::string entryTapURL(const AnyEntry& entry) {
-    return std::visit(Overloaded{
-                          [](const AccountsEntry&) { return std::string(kOpenAppURL); },
-                          [](const AccountsLimitEntry&) { return std::string(kOpenAppURL); },
-                          [](const auto& e) { return toolURL(resolvedToolKey(e).value_or("")); },
-                      },
-                      entry);
+    return visitKind(entry, [](auto kind, const auto& e) { return kind.tapURL(e); });
 }
 
 nlohmann::ordered_json toJSON(const WidgetToolChoice& choice) {

@@ -1,7 +1,8 @@
 #pragma once
 // The widget bundle: the five widgets in gallery order, each declared as data
-// (identity, gallery texts, families, intent) with type-erased provider and
-// entry hooks, so callers can work on any kind without knowing its types.
+// (identity, gallery texts, families, intent) with type-erased providers, so
+// callers can work on any kind without knowing its types. Each kind's facts
+// live in its traits record (bundle/kinds.hpp); this table lists the kinds.
 
 #include <optional>
 #include <string>
@@ -19,7 +20,18 @@
 
 namespace mw {
 
-using AnyEntry = std::variant<FocusEntry, AccountsEntry, AccountsLimitEntry, SparklineEntry, DashboardEntry>;
+// The widget kinds in gallery order, one entry type each.
+template <class... Entries>
+struct KindTable {
+    using AnyEntry = std::variant<Entries...>;
+};
+using WidgetKinds = KindTable<FocusEntry,          //
+                              AccountsEntry,       //
+                              AccountsLimitEntry,  //
+                              SparklineEntry,      //
+                              DashboardEntry>;
+
+using AnyEntry = WidgetKinds::AnyEntry;
 
 struct AnyTimeline {
     std::vector<AnyEntry> entries;
@@ -41,17 +53,6 @@ struct WidgetDeclaration {
     AnyEntry (*placeholder)(Date now) = nullptr;
     AnyEntry (*snapshot)(const ProviderContext& context, const IntentParameters& parameters) = nullptr;
     AnyTimeline (*timeline)(const ProviderContext& context, const IntentParameters& parameters) = nullptr;
-
-    // Entries. The panel the view shows at the entry's date (nothing: content),
-    // the resolved options as JSON, the tool the widget resolved (the one the
-    // self-report names), and the tap link.
-    std::optional<WidgetEmptyState> (*panel)(const AnyEntry& entry) = nullptr;
-    nlohmann::ordered_json (*resolvedOptions)(const AnyEntry& entry) = nullptr;
-    std::optional<std::string> (*resolvedToolID)(const AnyEntry& entry) = nullptr;
-    std::string (*tapURL)(const AnyEntry& entry) = nullptr;
-
-    // The view that draws an entry is joined in with the drawing layer: a
-    // `view` hook (entry and family to view tree) goes here.
 };
 
 // The bundle's widgets in gallery order: Focus, Accounts, Accounts by Limit,
@@ -63,10 +64,11 @@ const WidgetDeclaration* findWidget(std::string_view kindOrWord);
 
 bool supportsFamily(const WidgetDeclaration& widget, WidgetFamily family);
 
-// Entry accessors that work on any kind.
+// Entry accessors that work on any kind: the panel the view shows at the
+// entry's date (nothing: content), the resolved options as JSON, the tool the
+// widget resolved (the one the self-report names), and the tap link.
 Date entryDate(const AnyEntry& entry);
 ReadStatus entryReadStatus(const AnyEntry& entry);
-const WidgetPayload& entryPayload(const AnyEntry& entry);
 std::optional<WidgetEmptyState> entryPanel(const AnyEntry& entry);
 nlohmann::ordered_json entryResolvedOptions(const AnyEntry& entry);
 std::optional<std::string> entryResolvedToolID(const AnyEntry& entry);

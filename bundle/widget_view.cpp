@@ -1,33 +1,12 @@
 #include "bundle/widget_view.hpp"
 
-#include "widgets/accounts/view.hpp"
+#include "bundle/kinds.hpp"
 #include "widgets/chrome/chrome.hpp"
-#include "widgets/dashboard/view.hpp"
-#include "widgets/focus/view.hpp"
-#include "widgets/limit/view.hpp"
-#include "widgets/sparkline/view.hpp"
 
 namespace mw {
-namespace {
-
-template <class... Fs>
-struct Overloaded : Fs... {
-    using Fs::operator()...;
-};
-template <class... Fs>
-Overloaded(Fs...) -> Overloaded<Fs...>;
-
-}  // namespace
 
 render::View entryView(const AnyEntry& entry, WidgetFamily family) {
-    return std::visit(Overloaded{
-                          [family](const FocusEntry& e) { return focusView(e, family); },
-                          [family](const AccountsEntry& e) { return accountsWidgetView(e, family); },
-                          [family](const AccountsLimitEntry& e) { return accountsLimitView(e, family); },
-                          [family](const SparklineEntry& e) { return sparklineView(e, family); },
-                          [family](const DashboardEntry& e) { return dashboardView(e, family); },
-                      },
-                      entry);
+    return visitKind(entry, [family](auto kind, const auto& e) { return kind.view(e, family); });
 }
 
 render::View widgetContent(const AnyEntry& entry, WidgetFamily family) {

@@ -6,10 +6,13 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "config/intents.hpp"
 #include "platform/bundle_info.hpp"
+#include "payload/store.hpp"
 #include "platform/date.hpp"
 #include "timeline/entries.hpp"
 #include "timeline/policy.hpp"
@@ -23,40 +26,89 @@ struct ProviderContext {
     bool operator==(const ProviderContext&) const = default;
 };
 
-struct AccountsProvider {
-    static constexpr std::string_view kindWord = "accounts";
-    static AccountsEntry placeholder(Date now);
-    static AccountsEntry snapshot(const ProviderContext& context);
-    static Timeline<AccountsEntry> timeline(const ProviderContext& context);
+// What a kind's provider needs to know about its entry: the kind word the
+// self-report names, its intent (`NoIntent` for a static configuration),
+// whether its timeline looks ahead, the entry made from an intent and a load
+// (defined in providers.cpp), and the tool the self-report names.
+struct NoIntent {
+    bool operator==(const NoIntent&) const = default;
 };
 
-struct AccountsLimitProvider {
-    static constexpr std::string_view kindWord = "accounts-limit";
-    static AccountsLimitEntry placeholder(Date now);
-    static AccountsLimitEntry snapshot(const AccountsLimitWidgetIntent& intent, const ProviderContext& context);
-    static Timeline<AccountsLimitEntry> timeline(const AccountsLimitWidgetIntent& intent,
-                                                 const ProviderContext& context);
+template <class Entry>
+struct EntryRecipe;
+
+// The one provider, for every kind.
+template <class Entry>
+struct Provider {
+    using Intent = typename EntryRecipe<Entry>::Intent;
+    static constexpr std::string_view kindWord = EntryRecipe<Entry>::kindWord;
+
+    static Entry placeholder(Date now);
+    static Entry snapshot(const Intent& intent, const ProviderContext& context);
+    static Timeline<Entry> timeline(const Intent& intent, const ProviderContext& context);
+
+    // A static configuration has nothing to pass.
+    static Entry snapshot(const ProviderContext& context)
+        requires std::is_same_v<Intent, NoIntent>
+    {
+        return snapshot(NoIntent{}, context);
+    }
+    static Timeline<Entry> timeline(const ProviderContext& context)
+        requires std::is_same_v<Intent, NoIntent>
+    {
+        return timeline(NoIntent{}, context);
+    }
 };
 
-struct DashboardProvider {
-    static constexpr std::string_view kindWord = "dashboard";
-    static DashboardEntry placeholder(Date now);
-    static DashboardEntry snapshot(const DashboardWidgetIntent& intent, const ProviderContext& context);
-    static Timeline<DashboardEntry> timeline(const DashboardWidgetIntent& intent, const ProviderContext& context);
-};
-
-struct FocusProvider {
+template <>
+struct EntryRecipe<FocusEntry> {
+    using Intent = FocusWidgetIntent;
     static constexpr std::string_view kindWord = "focus";
-    static FocusEntry placeholder(Date now);
-    static FocusEntry snapshot(const FocusWidgetIntent& intent, const ProviderContext& context);
-    static Timeline<FocusEntry> timeline(const FocusWidgetIntent& intent, const ProviderContext& context);
+    static constexpr bool lookAhead = false;
+    static FocusEntry make(const Intent& intent, const LoadResult& loaded, Date now);
+    static std::optional<std::string> resolvedTool(const FocusEntry& entry) { return resolvedToolKey(entry); }
 };
 
-struct SparklineProvider {
-    static constexpr std::string_view kindWord = "sparkline";
-    static SparklineEntry placeholder(Date now);
-    static SparklineEntry snapshot(const SparklineWidgetIntent& intent, const ProviderContext& context);
-    static Timeline<SparklineEntry> timeline(const SparklineWidgetIntent& intent, const ProviderContext& context);
+template <>
+struct EntryRecipe<AccountsEntry> {
+    using Intent = NoIntent;
+    static constexpr std::string_view kindWord = "accounts";
+    static constexpr bool lookAhead = true;
+    static AccountsEntry make(const Intent& intent, const LoadResult& loaded, Date now);
+    static std::optional<std::string> resolvedTool(const AccountsEntry&) { return std::nullopt; }
 };
+
+template <>
+struct EntryRecipe<AccountsLimitEntry> {
+    using Intent = AccountsLimitWidgetIntent;
+    static constexpr std::string_view kindWord = "accounts-limit";
+    static constexpr bool lookAhead = true;
+    static AccountsLimitEntry make(const Intent& intent, const LoadResult& loaded, Date now);
+    static std::optional<std::string> resolvedTool(const AccountsLimitEntry& entry) { return resolvedProviderID(entry); }
+};
+
+template <>
+struct EntryRecipe<SparklineEntry> {
+    using Intent = SparklineWidgetIntent;
+    static constexpr std::string_view kindWord = "sparkline";
+    static constexpr bool lookAhead = false;
+    static SparklineEntry make(const Intent& intent, const LoadResult& loaded, Date now);
+    static std::optional<std::string> resolvedTool(const SparklineEntry& entry) { return resolvedToolKey(entry); }
+};
+
+template <>
+struct EntryRecipe<DashboardEntry> {
+    using Intent = DashboardWidgetIntent;
+    static constexpr std::string_view kindWord = "dashboard";
+    static constexpr bool lookAhead = false;
+    static DashboardEntry make(const Intent& intent, const LoadResult& loaded, Date now);
+    static std::optional<std::string> resolvedTool(const DashboardEntry& entry) { return resolvedToolKey(entry); }
+};
+
+using FocusProvider = Provider<FocusEntry>;
+using AccountsProvider = Provider<AccountsEntry>;
+using AccountsLimitProvider = Provider<AccountsLimitEntry>;
+using SparklineProvider = Provider<SparklineEntry>;
+using DashboardProvider = Provider<DashboardEntry>;
 
 }  // namespace mw

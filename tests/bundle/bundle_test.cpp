@@ -61,8 +61,8 @@ TEST(WidgetBundle, HooksTurnStoredParametersIntoEntries) {
     const auto& typed = std::get<FocusEntry>(entry);
     EXPECT_EQ(typed.chosen.label, "Claude \u00B7 work");  // looked up in the current list
     EXPECT_EQ(typed.style, WidgetDetailStyle::enhanced);
-    EXPECT_EQ(focus.resolvedToolID(entry), "claude:work");
-    EXPECT_EQ(focus.tapURL(entry), "meterwick://tool/claude:work");
+    EXPECT_EQ(entryResolvedToolID(entry), "claude:work");
+    EXPECT_EQ(entryTapURL(entry), "meterwick://tool/claude:work");
     EXPECT_FALSE(std::filesystem::exists(dir / kSelfReportFileName));
 
     const auto& limit = *findWidget("MeterwickAccountsByLimit");
@@ -74,7 +74,7 @@ TEST(WidgetBundle, HooksTurnStoredParametersIntoEntries) {
     EXPECT_EQ(report["resolvedToolID"], "codex");
 
     const auto& accounts = *findWidget("accounts");
-    EXPECT_EQ(accounts.tapURL(accounts.placeholder(kNow)), "meterwick://open");
+    EXPECT_EQ(entryTapURL(accounts.placeholder(kNow)), "meterwick://open");
     EXPECT_EQ(std::get<AccountsEntry>(accounts.snapshot(context, {})).readStatus, ReadStatus::ok);
 }
 
