@@ -100,6 +100,10 @@ ReadStatus entryReadStatus(const AnyEntry& entry) {
     return std::visit([](const auto& e) { return e.readStatus; }, entry);
 }
 
+const WidgetPayload& entryPayload(const AnyEntry& entry) {
+    return std::visit([](const auto& e) -> const WidgetPayload& { return e.payload; }, entry);
+}
+
 std::optional<WidgetEmptyState> entryPanel(const AnyEntry& entry) {
     return visitKind(entry, [](auto kind, const auto& e) { return kind.panel(e); });
 }

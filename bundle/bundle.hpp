@@ -69,6 +69,7 @@ bool supportsFamily(const WidgetDeclaration& widget, WidgetFamily family);
 // widget resolved (the one the self-report names), and the tap link.
 Date entryDate(const AnyEntry& entry);
 ReadStatus entryReadStatus(const AnyEntry& entry);
+const WidgetPayload& entryPayload(const AnyEntry& entry);
 std::optional<WidgetEmptyState> entryPanel(const AnyEntry& entry);
 nlohmann::ordered_json entryResolvedOptions(const AnyEntry& entry);
 std::optional<std::string> entryResolvedToolID(const AnyEntry& entry);
