@@ -10,10 +10,13 @@
 namespace mw {
 namespace {
 
-// Entity ids need the current lists; only load for them when one is given.
-ChoiceLists listsFor(const ProviderContext& context, const IntentParameters& parameters) {
-    if (!parameters.contains("tool") && !parameters.contains("provider")) return {};
-    return choiceLists(WidgetStore::load(context.container).payload);
+// The intent from stored parameters. Entity ids are looked up in the lists
+// of the same load the entry is then built from.
+template <class Entry>
+typename Provider<Entry>::Intent intentFor(const IntentParameters& parameters, const LoadResult& loaded) {
+    const bool entities = parameters.contains("tool") || parameters.contains("provider");
+    return intentFromParameters<typename Provider<Entry>::Intent>(
+        parameters, entities ? choiceLists(loaded.payload) : ChoiceLists{});
 }
 
 template <class Entry>
@@ -23,19 +26,17 @@ AnyTimeline erased(Timeline<Entry> timeline) {
     return out;
 }
 
-// Provider hooks of an intent-configured widget.
+// Provider hooks of an intent-configured widget: one read of the container each.
 template <class Entry>
 AnyEntry intentSnapshot(const ProviderContext& context, const IntentParameters& parameters) {
-    using Intent = typename Provider<Entry>::Intent;
-    return Provider<Entry>::snapshot(intentFromParameters<Intent>(parameters, listsFor(context, parameters)),
-                                     context);
+    const LoadResult loaded = WidgetStore::load(context.container);
+    return Provider<Entry>::snapshot(intentFor<Entry>(parameters, loaded), context, loaded);
 }
 
 template <class Entry>
 AnyTimeline intentTimeline(const ProviderContext& context, const IntentParameters& parameters) {
-    using Intent = typename Provider<Entry>::Intent;
-    return erased(
-        Provider<Entry>::timeline(intentFromParameters<Intent>(parameters, listsFor(context, parameters)), context));
+    const LoadResult loaded = WidgetStore::load(context.container);
+    return erased(Provider<Entry>::timeline(intentFor<Entry>(parameters, loaded), context, loaded));
 }
 
 template <class Entry>

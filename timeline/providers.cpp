@@ -46,15 +46,25 @@ Entry Provider<Entry>::placeholder(Date now) {
 
 template <class Entry>
 Entry Provider<Entry>::snapshot(const Intent& intent, const ProviderContext& context) {
-    return EntryRecipe<Entry>::make(intent, WidgetStore::load(context.container), context.now);
+    return snapshot(intent, context, WidgetStore::load(context.container));
 }
 
-// The one timeline algorithm: load, build the entry for now, report, then
-// add the policy's later dates.
+template <class Entry>
+Entry Provider<Entry>::snapshot(const Intent& intent, const ProviderContext& context, const LoadResult& loaded) {
+    return EntryRecipe<Entry>::make(intent, loaded, context.now);
+}
+
 template <class Entry>
 Timeline<Entry> Provider<Entry>::timeline(const Intent& intent, const ProviderContext& context) {
+    return timeline(intent, context, WidgetStore::load(context.container));
+}
+
+// The one timeline algorithm: build the entry for now from the load, report,
+// then add the policy's later dates.
+template <class Entry>
+Timeline<Entry> Provider<Entry>::timeline(const Intent& intent, const ProviderContext& context,
+                                          const LoadResult& loaded) {
     using Recipe = EntryRecipe<Entry>;
-    const LoadResult loaded = WidgetStore::load(context.container);
     const Entry first = Recipe::make(intent, loaded, context.now);
     writeSelfReport(context.container, std::string(kindWord), loaded.status, loaded.payload,
                     Recipe::resolvedTool(first), context.now, context.bundle);

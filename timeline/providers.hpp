@@ -46,6 +46,10 @@ struct Provider {
     static Entry placeholder(Date now);
     static Entry snapshot(const Intent& intent, const ProviderContext& context);
     static Timeline<Entry> timeline(const Intent& intent, const ProviderContext& context);
+    // The same from a load of the container already made, for a caller that
+    // read the payload to resolve the intent: one read per build.
+    static Entry snapshot(const Intent& intent, const ProviderContext& context, const LoadResult& loaded);
+    static Timeline<Entry> timeline(const Intent& intent, const ProviderContext& context, const LoadResult& loaded);
 
     // A static configuration has nothing to pass.
     static Entry snapshot(const ProviderContext& context)
