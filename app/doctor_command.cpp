@@ -20,6 +20,8 @@
 #include "host/placements.hpp"
 #include "model/accounts.hpp"
 #include "payload/self_report.hpp"
+#include "platform/environment.hpp"
+#include "platform/read_file.hpp"
 
 namespace mw::cli {
 namespace {
@@ -29,19 +31,10 @@ namespace fs = std::filesystem;
 constexpr const char* kHostDesktopID = "app.meterwick.WidgetHost.desktop";
 constexpr const char* kHostUnit = "meterwick-widget-host.service";
 
-std::optional<std::string> variable(const char* name) {
-    const char* value = std::getenv(name);
-    if (value == nullptr || *value == '\0') return std::nullopt;
-    return std::string(value);
-}
-
 std::optional<std::string> readSmallFile(const fs::path& path) {
-    std::error_code ec;
-    if (!fs::is_regular_file(path, ec) || fs::file_size(path, ec) > 1 << 20) return std::nullopt;
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return in ? std::optional(text.str()) : std::nullopt;
+    auto read = readRegularFile(path, 1 << 20);
+    if (read.error) return std::nullopt;
+    return std::move(read.bytes);
 }
 
 // Whether the Wayland compositor offers wlr-layer-shell; nothing without a
@@ -53,7 +46,7 @@ struct WaylandRegistryListener {
 };
 
 std::optional<bool> compositorHasLayerShell() {
-    if (!variable("WAYLAND_DISPLAY")) return std::nullopt;
+    if (!environmentVariable("WAYLAND_DISPLAY")) return std::nullopt;
     void* library = dlopen("libwayland-client.so.0", RTLD_NOW | RTLD_LOCAL);
     if (library == nullptr) return std::nullopt;
     auto connect = reinterpret_cast<void* (*)(const char*)>(dlsym(library, "wl_display_connect"));
@@ -91,8 +84,8 @@ std::optional<bool> compositorHasLayerShell() {
 std::optional<std::string> urlHandler() { return uriSchemeHandler("meterwick"); }
 
 fs::path configHome() {
-    if (auto dir = variable("XDG_CONFIG_HOME")) return *dir;
-    return fs::path(variable("HOME").value_or("/nonexistent")) / ".config";
+    if (auto dir = environmentVariable("XDG_CONFIG_HOME")) return *dir;
+    return fs::path(environmentVariable("HOME").value_or("/nonexistent")) / ".config";
 }
 
 std::vector<fs::path> splitDirs(const std::optional<std::string>& list, const char* fallback) {
@@ -106,7 +99,7 @@ std::vector<fs::path> splitDirs(const std::optional<std::string>& list, const ch
 // An XDG autostart entry that starts the host and is not hidden.
 std::optional<std::string> autostartEntry() {
     std::vector<fs::path> dirs{configHome() / "autostart"};
-    for (const auto& dir : splitDirs(variable("XDG_CONFIG_DIRS"), "/etc/xdg")) dirs.push_back(dir / "autostart");
+    for (const auto& dir : splitDirs(environmentVariable("XDG_CONFIG_DIRS"), "/etc/xdg")) dirs.push_back(dir / "autostart");
     for (const auto& dir : dirs) {
         std::error_code ec;
         for (const auto& item : fs::directory_iterator(dir, ec)) {
@@ -123,10 +116,10 @@ std::optional<std::string> autostartEntry() {
 
 // The user unit: enabled when some *.wants directory links it.
 std::pair<UnitState, std::optional<std::string>> hostUnit() {
-    const fs::path home = variable("HOME").value_or("/nonexistent");
-    const fs::path dataHome = variable("XDG_DATA_HOME").value_or((home / ".local" / "share").string());
+    const fs::path home = environmentVariable("HOME").value_or("/nonexistent");
+    const fs::path dataHome = environmentVariable("XDG_DATA_HOME").value_or((home / ".local" / "share").string());
     std::vector<fs::path> dirs{configHome() / "systemd" / "user", "/etc/systemd/user", dataHome / "systemd" / "user"};
-    for (const auto& dir : splitDirs(variable("XDG_DATA_DIRS"), "/usr/local/share:/usr/share"))
+    for (const auto& dir : splitDirs(environmentVariable("XDG_DATA_DIRS"), "/usr/local/share:/usr/share"))
         dirs.push_back(dir / "systemd" / "user");
     for (const char* dir : {"/usr/local/lib/systemd/user", "/usr/lib/systemd/user"}) dirs.emplace_back(dir);
     std::optional<std::string> installed;
@@ -199,7 +192,7 @@ DoctorFacts gather(const GlobalOptions& options) {
 
     facts.layerShell = compositorHasLayerShell();
     facts.wayland = facts.layerShell.has_value();
-    facts.x11 = variable("DISPLAY").has_value();
+    facts.x11 = environmentVariable("DISPLAY").has_value();
     facts.portalColorScheme = portalColorScheme();
     facts.urlHandler = urlHandler();
     facts.autostartEntry = autostartEntry();

@@ -90,7 +90,7 @@ Finding selfReportFinding(const DoctorFacts& facts) {
     text += ": " + field(report, "kind") + " read " + field(report, "payloadReadStatus");
     if (const auto tool = field(report, "resolvedToolID"); !tool.empty()) text += ", showing " + tool;
     text += " (version " + field(report, "bundleVersion") + ")";
-    const auto status = readStatusFromRaw(field(report, "payloadReadStatus"));
+    const auto status = fromRaw<ReadStatus>(field(report, "payloadReadStatus"));
     if (status && *status != ReadStatus::ok)
         if (const auto panel = readFailurePanel(*status)) return problem("selfReport", text, panel->subtitle);
     return ok("selfReport", text);

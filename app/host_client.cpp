@@ -10,6 +10,7 @@
 #include <filesystem>
 
 #include "host/bus.hpp"
+#include "platform/environment.hpp"
 
 namespace mw::cli {
 namespace {
@@ -20,10 +21,9 @@ constexpr int kCallTimeoutMilliseconds = 10'000;
 // environment GLib would try to launch one through X11, which a command has
 // no business doing.
 std::optional<std::string> sessionBusAddress() {
-    if (const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS"); address != nullptr && *address != '\0')
-        return std::string(address);
-    if (const char* runtime = std::getenv("XDG_RUNTIME_DIR"); runtime != nullptr && *runtime != '\0') {
-        const auto socket = std::filesystem::path(runtime) / "bus";
+    if (auto address = environmentVariable("DBUS_SESSION_BUS_ADDRESS")) return address;
+    if (const auto runtime = environmentVariable("XDG_RUNTIME_DIR")) {
+        const auto socket = std::filesystem::path(*runtime) / "bus";
         std::error_code ec;
         if (std::filesystem::is_socket(socket, ec)) return "unix:path=" + socket.string();
     }

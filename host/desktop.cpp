@@ -31,13 +31,6 @@ render::Appearance desktopAppearance(const DesktopPreferences& preferences) {
                                                                                   : render::Appearance::light;
 }
 
-std::optional<std::filesystem::path> containerCandidate(const ContainerEnvironment& env) {
-    if (env.container) return std::filesystem::path(*env.container);
-    if (env.dataHome) return std::filesystem::path(*env.dataHome) / "meterwick" / kAppGroupIdentifier;
-    if (env.home) return std::filesystem::path(*env.home) / ".local" / "share" / "meterwick" / kAppGroupIdentifier;
-    return std::nullopt;
-}
-
 std::optional<WatchAnchor> watchAnchor(const std::filesystem::path& target,
                                        const std::function<bool(const std::filesystem::path&)>& isDirectory) {
     const auto path = target.lexically_normal();

@@ -29,10 +29,6 @@ struct DesktopPreferences {
 // ("Adwaita-dark", "Adwaita:dark"); light otherwise.
 render::Appearance desktopAppearance(const DesktopPreferences& preferences);
 
-// The container directory as the environment names it, whether or not it
-// exists yet (the host watches it so a payload written later is noticed).
-std::optional<std::filesystem::path> containerCandidate(const ContainerEnvironment& env);
-
 // Where to watch for `target` (a directory) to appear or be replaced: its
 // nearest ancestor that exists, and the name of the next component down
 // from there. Nothing for a relative or root path.

@@ -16,27 +16,11 @@
 #include <utility>
 
 #include "platform/atomic_write.hpp"
+#include "platform/environment.hpp"
 #include "platform/read_file.hpp"
 
 namespace mw {
 namespace {
-
-std::optional<std::string> variable(const char* name) {
-    const char* value = std::getenv(name);
-    if (value == nullptr || *value == '\0') return std::nullopt;
-    return std::string(value);
-}
-
-struct StatusCase {
-    PlacementsStatus value;
-    std::string_view raw;
-};
-constexpr std::array<StatusCase, 4> kStatuses{{
-    {PlacementsStatus::ok, "ok"},
-    {PlacementsStatus::missing, "missing"},
-    {PlacementsStatus::unreadable, "unreadable"},
-    {PlacementsStatus::corrupt, "corrupt"},
-}};
 
 // Far beyond any desktop; keeps arithmetic on positions well inside int.
 constexpr int kPositionLimit = 100'000;
@@ -167,7 +151,7 @@ std::optional<std::filesystem::path> moveAside(const std::filesystem::path& file
 }  // namespace
 
 ConfigEnvironment ConfigEnvironment::fromProcess() {
-    return {variable("XDG_CONFIG_HOME"), variable("HOME")};
+    return {environmentVariable("XDG_CONFIG_HOME"), environmentVariable("HOME")};
 }
 
 std::optional<std::filesystem::path> placementsFile(const ConfigEnvironment& env) {
@@ -178,12 +162,6 @@ std::optional<std::filesystem::path> placementsFile(const ConfigEnvironment& env
 
 std::optional<std::filesystem::path> placementsFile() {
     return placementsFile(ConfigEnvironment::fromProcess());
-}
-
-std::string_view rawValue(PlacementsStatus status) {
-    for (const auto& c : kStatuses)
-        if (c.value == status) return c.raw;
-    return {};
 }
 
 nlohmann::ordered_json toJSON(const PlacedWidget& widget) {

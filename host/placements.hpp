@@ -12,6 +12,7 @@
 // lose each other's updates. Use `modifyPlacements` for it. Plain reads take
 // no lock: the file is always replaced whole.
 
+#include <array>
 #include <chrono>
 #include <filesystem>
 #include <functional>
@@ -25,6 +26,7 @@
 #include "config/family.hpp"
 #include "config/intents.hpp"
 #include "platform/date.hpp"
+#include "platform/option_table.hpp"
 
 namespace mw {
 
@@ -89,7 +91,15 @@ Parsed<std::vector<PlacedWidget>> decodePlacements(std::string_view json);
 nlohmann::ordered_json unknownDocumentMembers(std::string_view json);
 
 enum class PlacementsStatus { ok, missing, unreadable, corrupt };
-std::string_view rawValue(PlacementsStatus status);
+template <>
+struct OptionTable<PlacementsStatus> {
+    static constexpr std::array<OptionCase<PlacementsStatus>, 4> cases{{
+        {PlacementsStatus::ok, "ok", {}},
+        {PlacementsStatus::missing, "missing", {}},
+        {PlacementsStatus::unreadable, "unreadable", {}},
+        {PlacementsStatus::corrupt, "corrupt", {}},
+    }};
+};
 
 struct PlacementsLoad {
     std::vector<PlacedWidget> widgets;

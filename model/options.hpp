@@ -1,28 +1,20 @@
 #pragma once
 // The option enumerations of the configurable widgets. They sit in the model
 // because the limit board ranks by them; the configuration layer offers them.
-// Each has one table: case, stored raw value, display text, in case order.
+// Each has one table: case, stored raw value, display text, in case order,
+// and the name of the option it offers.
 
 #include <array>
-#include <optional>
 #include <string_view>
 
-namespace mw {
+#include "platform/option_table.hpp"
 
-template <class E>
-struct OptionCase {
-    E value;
-    std::string_view raw;
-    std::string_view display;
-};
+namespace mw {
 
 enum class WidgetLimitChoice { weekly, fiveHour };
 enum class WidgetPercentChoice { left, used };
 enum class WidgetOrderChoice { mostRoom, app };
 enum class WidgetDetailStyle { classic, enhanced };
-
-template <class E>
-struct OptionTable;
 
 template <>
 struct OptionTable<WidgetLimitChoice> {
@@ -59,20 +51,5 @@ struct OptionTable<WidgetDetailStyle> {
         {WidgetDetailStyle::enhanced, "enhanced", "Enhanced (session, weekly and pace)"},
     }};
 };
-
-template <class E>
-constexpr std::string_view rawValue(E value) {
-    for (const auto& c : OptionTable<E>::cases)
-        if (c.value == value) return c.raw;
-    return {};
-}
-
-// Unknown text maps to no case.
-template <class E>
-constexpr std::optional<E> fromRaw(std::string_view raw) {
-    for (const auto& c : OptionTable<E>::cases)
-        if (c.raw == raw) return c.value;
-    return std::nullopt;
-}
 
 }  // namespace mw

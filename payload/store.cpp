@@ -11,29 +11,9 @@
 namespace mw {
 namespace {
 
-constexpr std::array<std::pair<ReadStatus, std::string_view>, 5> kReadStatusRaw{{
-    {ReadStatus::ok, "ok"},
-    {ReadStatus::noContainer, "noContainer"},
-    {ReadStatus::missing, "missing"},
-    {ReadStatus::unreadable, "unreadable"},
-    {ReadStatus::decodeFailed, "decodeFailed"},
-}};
-
 LoadResult failed(ReadStatus status) { return {emptyPayload(), status}; }
 
 }  // namespace
-
-std::string_view rawValue(ReadStatus status) {
-    for (const auto& [value, raw] : kReadStatusRaw)
-        if (value == status) return raw;
-    return {};
-}
-
-std::optional<ReadStatus> readStatusFromRaw(std::string_view raw) {
-    for (const auto& [value, text] : kReadStatusRaw)
-        if (text == raw) return value;
-    return std::nullopt;
-}
 
 namespace WidgetStore {
 

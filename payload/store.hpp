@@ -1,4 +1,5 @@
 #pragma once
+#include <array>
 #include <cstddef>
 #include <filesystem>
 #include <optional>
@@ -6,6 +7,7 @@
 #include <string_view>
 
 #include "payload/records.hpp"
+#include "platform/option_table.hpp"
 
 namespace mw {
 
@@ -18,8 +20,16 @@ inline constexpr std::size_t kPayloadMaxBytes = 32 * 1024 * 1024;
 // How a load went. The raw values are read back by the application.
 enum class ReadStatus { ok, noContainer, missing, unreadable, decodeFailed };
 
-std::string_view rawValue(ReadStatus status);
-std::optional<ReadStatus> readStatusFromRaw(std::string_view raw);
+template <>
+struct OptionTable<ReadStatus> {
+    static constexpr std::array<OptionCase<ReadStatus>, 5> cases{{
+        {ReadStatus::ok, "ok", {}},
+        {ReadStatus::noContainer, "noContainer", {}},
+        {ReadStatus::missing, "missing", {}},
+        {ReadStatus::unreadable, "unreadable", {}},
+        {ReadStatus::decodeFailed, "decodeFailed", {}},
+    }};
+};
 
 struct LoadResult {
     WidgetPayload payload;

@@ -1,6 +1,7 @@
 #include "platform/clock.hpp"
 
 #include <chrono>
+#include <cmath>
 
 namespace mw {
 
@@ -8,5 +9,7 @@ Date systemNow() {
     const auto since = std::chrono::system_clock::now().time_since_epoch();
     return Date::fromUnix(std::chrono::duration<double>(since).count());
 }
+
+Date systemNowInWholeSeconds() { return Date{std::floor(systemNow().seconds)}; }
 
 }  // namespace mw

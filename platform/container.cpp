@@ -1,21 +1,12 @@
 #include "platform/container.hpp"
 
-#include <cstdlib>
 #include <system_error>
 
+#include "platform/environment.hpp"
+
 namespace mw {
-namespace {
-
-std::optional<std::string> variable(const char* name) {
-    const char* value = std::getenv(name);
-    if (value == nullptr || *value == '\0') return std::nullopt;
-    return std::string(value);
-}
-
-}  // namespace
-
 ContainerEnvironment ContainerEnvironment::fromProcess() {
-    return {variable("METERWICK_CONTAINER"), variable("XDG_DATA_HOME"), variable("HOME")};
+    return {environmentVariable("METERWICK_CONTAINER"), environmentVariable("XDG_DATA_HOME"), environmentVariable("HOME")};
 }
 
 ContainerLocation containerLocation(const ContainerEnvironment& env) {

@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "platform/environment.hpp"
+
 namespace mw::render {
 
 namespace {
@@ -71,13 +73,13 @@ fs::path executableDirectory() {
 }  // namespace
 
 std::string assetDirectory() {
-    if (const char* env = std::getenv("MW_ASSET_DIR"); env && *env && isDirectory(env)) return env;
+    if (auto env = environmentVariable("MW_ASSET_DIR"); env && isDirectory(*env)) return std::move(*env);
     // Beside the program: <prefix>/bin and <prefix>/libexec/meterwick-widgets
     // both reach <prefix>/share; a build tree links its share/ to the sources.
     const fs::path exeDir = executableDirectory();
     std::vector<fs::path> candidates{exeDir / ".." / "share", exeDir / ".." / ".." / "share"};
-    const char* dataDirs = std::getenv("XDG_DATA_DIRS");
-    std::string_view dirs = dataDirs && *dataDirs ? dataDirs : "/usr/local/share:/usr/share";
+    const auto dataDirs = environmentVariable("XDG_DATA_DIRS").value_or("/usr/local/share:/usr/share");
+    std::string_view dirs = dataDirs;
     while (!dirs.empty()) {
         const auto colon = dirs.find(':');
         if (colon != 0) candidates.emplace_back(dirs.substr(0, colon));

@@ -1,49 +1,90 @@
 #include "render/style.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
-namespace mw::render {
+#include "platform/option_table.hpp"
 
+namespace mw {
+
+template <>
+struct OptionTable<render::Weight> {
+    static constexpr std::array<OptionCase<render::Weight>, 4> cases{{{render::Weight::regular, "regular", {}},
+                                                                       {render::Weight::medium, "medium", {}},
+                                                                       {render::Weight::semibold, "semibold", {}},
+                                                                       {render::Weight::bold, "bold", {}}}};
+};
+template <>
+struct OptionTable<render::Design> {
+    static constexpr std::array<OptionCase<render::Design>, 2> cases{
+        {{render::Design::standard, "default", {}}, {render::Design::rounded, "rounded", {}}}};
+};
+template <>
+struct OptionTable<render::LineCap> {
+    static constexpr std::array<OptionCase<render::LineCap>, 3> cases{{{render::LineCap::butt, "butt", {}},
+                                                                        {render::LineCap::round, "round", {}},
+                                                                        {render::LineCap::square, "square", {}}}};
+};
+template <>
+struct OptionTable<render::LineJoin> {
+    static constexpr std::array<OptionCase<render::LineJoin>, 3> cases{{{render::LineJoin::miter, "miter", {}},
+                                                                         {render::LineJoin::round, "round", {}},
+                                                                         {render::LineJoin::bevel, "bevel", {}}}};
+};
+template <>
+struct OptionTable<render::ShapeKind> {
+    static constexpr std::array<OptionCase<render::ShapeKind>, 5> cases{{
+        {render::ShapeKind::rectangle, "rectangle", {}},
+        {render::ShapeKind::roundedRectangle, "roundedRectangle", {}},
+        {render::ShapeKind::capsule, "capsule", {}},
+        {render::ShapeKind::circle, "circle", {}},
+        {render::ShapeKind::path, "path", {}},
+    }};
+};
+template <>
+struct OptionTable<render::HAlign> {
+    static constexpr std::array<OptionCase<render::HAlign>, 3> cases{{{render::HAlign::leading, "leading", {}},
+                                                                       {render::HAlign::center, "center", {}},
+                                                                       {render::HAlign::trailing, "trailing", {}}}};
+};
+template <>
+struct OptionTable<render::VAlign> {
+    static constexpr std::array<OptionCase<render::VAlign>, 3> cases{{{render::VAlign::top, "top", {}},
+                                                                       {render::VAlign::center, "center", {}},
+                                                                       {render::VAlign::bottom, "bottom", {}}}};
+};
+template <>
+struct OptionTable<render::TextAlignment> {
+    static constexpr std::array<OptionCase<render::TextAlignment>, 3> cases{
+        {{render::TextAlignment::leading, "leading", {}},
+         {render::TextAlignment::center, "center", {}},
+         {render::TextAlignment::trailing, "trailing", {}}}};
+};
+
+}  // namespace mw
+
+namespace mw::render {
 namespace {
 
-template <class E, std::size_t N>
-std::string_view nameIn(const std::pair<E, std::string_view> (&table)[N], E value) {
-    for (const auto& [v, name] : table) {
-        if (v == value) return name;
-    }
-    return table[0].second;
+// The case's name, or the first case's for a value outside the enumeration.
+template <class E>
+std::string_view nameOf(E value) {
+    const auto raw = rawValue(value);
+    return raw.empty() ? OptionTable<E>::cases.front().raw : raw;
 }
-
-constexpr std::pair<Weight, std::string_view> kWeights[] = {
-    {Weight::regular, "regular"}, {Weight::medium, "medium"}, {Weight::semibold, "semibold"}, {Weight::bold, "bold"}};
-constexpr std::pair<Design, std::string_view> kDesigns[] = {{Design::standard, "default"}, {Design::rounded, "rounded"}};
-constexpr std::pair<LineCap, std::string_view> kCaps[] = {
-    {LineCap::butt, "butt"}, {LineCap::round, "round"}, {LineCap::square, "square"}};
-constexpr std::pair<LineJoin, std::string_view> kJoins[] = {
-    {LineJoin::miter, "miter"}, {LineJoin::round, "round"}, {LineJoin::bevel, "bevel"}};
-constexpr std::pair<ShapeKind, std::string_view> kShapes[] = {
-    {ShapeKind::rectangle, "rectangle"}, {ShapeKind::roundedRectangle, "roundedRectangle"},
-    {ShapeKind::capsule, "capsule"},     {ShapeKind::circle, "circle"},
-    {ShapeKind::path, "path"}};
-constexpr std::pair<HAlign, std::string_view> kHAligns[] = {
-    {HAlign::leading, "leading"}, {HAlign::center, "center"}, {HAlign::trailing, "trailing"}};
-constexpr std::pair<VAlign, std::string_view> kVAligns[] = {
-    {VAlign::top, "top"}, {VAlign::center, "center"}, {VAlign::bottom, "bottom"}};
-constexpr std::pair<TextAlignment, std::string_view> kTextAligns[] = {
-    {TextAlignment::leading, "leading"}, {TextAlignment::center, "center"}, {TextAlignment::trailing, "trailing"}};
 
 }  // namespace
 
-std::string_view weightName(Weight w) { return nameIn(kWeights, w); }
+std::string_view weightName(Weight w) { return nameOf(w); }
 int weightValue(Weight w) { return 400 + 100 * static_cast<int>(w); }
-std::string_view designName(Design d) { return nameIn(kDesigns, d); }
-std::string_view lineCapName(LineCap c) { return nameIn(kCaps, c); }
-std::string_view lineJoinName(LineJoin j) { return nameIn(kJoins, j); }
-std::string_view shapeKindName(ShapeKind k) { return nameIn(kShapes, k); }
-std::string_view hAlignName(HAlign a) { return nameIn(kHAligns, a); }
-std::string_view vAlignName(VAlign a) { return nameIn(kVAligns, a); }
-std::string_view textAlignmentName(TextAlignment a) { return nameIn(kTextAligns, a); }
+std::string_view designName(Design d) { return nameOf(d); }
+std::string_view lineCapName(LineCap c) { return nameOf(c); }
+std::string_view lineJoinName(LineJoin j) { return nameOf(j); }
+std::string_view shapeKindName(ShapeKind k) { return nameOf(k); }
+std::string_view hAlignName(HAlign a) { return nameOf(a); }
+std::string_view vAlignName(VAlign a) { return nameOf(a); }
+std::string_view textAlignmentName(TextAlignment a) { return nameOf(a); }
 
 PathData PathData::polyline(const std::vector<Point>& points, bool unit) {
     PathData d;

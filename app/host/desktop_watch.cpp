@@ -9,6 +9,8 @@
 #include <cstdlib>
 #include <ctime>
 
+#include "platform/environment.hpp"
+
 namespace mw::host {
 namespace {
 
@@ -37,8 +39,7 @@ bool cancelled(GError* error) {
 DesktopWatch::DesktopWatch(std::function<void(render::Appearance)> appearanceChanged,
                            std::function<void()> clockMayHaveJumped)
     : appearanceChanged_(std::move(appearanceChanged)), clockMayHaveJumped_(std::move(clockMayHaveJumped)) {
-    if (const char* forced = std::getenv("MW_HOST_APPEARANCE"); forced != nullptr && *forced != '\0')
-        preferences_.forced = forced;
+    preferences_.forced = environmentVariable("MW_HOST_APPEARANCE");
     readToolkitSettings();
     if (GtkSettings* settings = gtk_settings_get_default()) {
         const auto reread = [this](GObject*, GParamSpec*) {
@@ -88,8 +89,7 @@ void DesktopWatch::readToolkitSettings() {
         g_free(theme);
     }
     // GTK_THEME ("Adwaita:dark") overrides the settings' theme in GTK itself.
-    if (const char* theme = std::getenv("GTK_THEME"); theme != nullptr && *theme != '\0')
-        preferences_.gtkThemeName = theme;
+    if (auto theme = environmentVariable("GTK_THEME")) preferences_.gtkThemeName = std::move(*theme);
 }
 
 void DesktopWatch::changed() {

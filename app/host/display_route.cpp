@@ -7,14 +7,10 @@
 #include <cstring>
 #include <string>
 
+#include "platform/environment.hpp"
+
 namespace mw::host {
 namespace {
-
-std::optional<std::string> variable(const char* name) {
-    const char* value = g_getenv(name);
-    if (value == nullptr || *value == '\0') return std::nullopt;
-    return std::string(value);
-}
 
 // Whether the Wayland compositor offers zwlr_layer_shell_v1; nothing when no
 // compositor answers. GTK learns it only after opening its display, too late
@@ -46,9 +42,9 @@ HostDisplay chooseDisplay() {
     g_set_prgname(kDesktopEntryID);
 
     DisplayFacts facts;
-    facts.gdkBackend = variable("GDK_BACKEND");
-    facts.x11 = variable("DISPLAY").has_value();
-    facts.wayland = variable("WAYLAND_DISPLAY").has_value() && facts.gdkBackend.value_or("") != "x11";
+    facts.gdkBackend = environmentVariable("GDK_BACKEND");
+    facts.x11 = environmentVariable("DISPLAY").has_value();
+    facts.wayland = environmentVariable("WAYLAND_DISPLAY").has_value() && facts.gdkBackend.value_or("") != "x11";
     if (facts.wayland) {
         const auto layerShell = offersLayerShell();
         facts.wayland = layerShell.has_value();  // a WAYLAND_DISPLAY nobody answers on is no session
@@ -71,8 +67,8 @@ HostDisplay chooseDisplay() {
                                  "DISPLAY names one that answers)\n");
             break;
     }
-    const auto windowType = variable("MW_HOST_WINDOW_TYPE");
-    return {decision.route, x11Hints(variable("XDG_CURRENT_DESKTOP").value_or(""),
+    const auto windowType = environmentVariable("MW_HOST_WINDOW_TYPE");
+    return {decision.route, x11Hints(environmentVariable("XDG_CURRENT_DESKTOP").value_or(""),
                                      windowType ? std::optional<std::string_view>(*windowType) : std::nullopt)};
 }
 

@@ -21,6 +21,7 @@
 #include "payload/store.hpp"
 #include "platform/clock.hpp"
 #include "platform/container.hpp"
+#include "platform/environment.hpp"
 #include "platform/url.hpp"
 #include "render/cairo/text.hpp"
 
@@ -195,7 +196,7 @@ int HostApplication::run(int argc, char** argv) {
 ProviderContext HostApplication::providerContext() const {
     // Whole seconds, like every date in the payload and the self-report, so a
     // widget drawn here can be drawn again by `meterwick-widgets --now DATE`.
-    return {containerDirectory(), Date{std::floor(systemNow().seconds)}, SelfReportAnchor::bundle()};
+    return {containerDirectory(), systemNowInWholeSeconds(), SelfReportAnchor::bundle()};
 }
 
 void HostApplication::startup() {
@@ -209,8 +210,8 @@ void HostApplication::startup() {
 
     storeFile_ = placementsFile();
     if (!storeFile_) report("neither XDG_CONFIG_HOME nor HOME is set: no placed widgets can be read");
-    if (const char* dir = std::getenv("MW_HOST_SNAPSHOT_DIR"); dir != nullptr && *dir != '\0') {
-        snapshotDirectory_ = dir;
+    if (const auto dir = environmentVariable("MW_HOST_SNAPSHOT_DIR")) {
+        snapshotDirectory_ = *dir;
         std::error_code ec;
         std::filesystem::create_directories(*snapshotDirectory_, ec);
     }
@@ -343,7 +344,7 @@ GVariant* HostApplication::status() const {
 }
 
 void HostApplication::watchFiles() {
-    if (const auto container = containerCandidate(ContainerEnvironment::fromProcess()))
+    if (const auto container = containerLocation(ContainerEnvironment::fromProcess()).path)
         payloadWatch_ = std::make_unique<ContainerWatch>(*container, [this] {
             ++counters_.fileWakeUps;
             reloadAll();
@@ -416,8 +417,8 @@ std::unique_ptr<WidgetWindow> HostApplication::makeWindow(const PlacedWidget& pl
 // host's own entry handles) is followed here.
 void HostApplication::openURL(const std::string& url, std::optional<GdkRectangle> from) {
     GError* raw = nullptr;
-    if (const char* handler = std::getenv("MW_URL_HANDLER"); handler != nullptr && *handler != '\0') {
-        const gchar* argv[] = {handler, url.c_str(), nullptr};
+    if (const auto handler = environmentVariable("MW_URL_HANDLER")) {
+        const gchar* argv[] = {handler->c_str(), url.c_str(), nullptr};
         g_spawn_async(nullptr, const_cast<gchar**>(argv), nullptr, G_SPAWN_DEFAULT, nullptr, nullptr, nullptr, &raw);
     } else {
         gchar* scheme = g_uri_parse_scheme(url.c_str());

@@ -265,7 +265,7 @@ int run(const Settings& settings) {
 
     // A fresh sample payload: the processes get the same "now" with --now,
     // the host reads it with the clock, a moment later.
-    const Date now{std::floor(systemNow().seconds)};
+    const Date now = systemNowInWholeSeconds();
     std::ofstream(container / kPayloadFileName, std::ios::binary) << encodePayload(samplePayload(now));
     setenv("METERWICK_CONTAINER", container.c_str(), 1);
     const std::string nowText = formatISO8601(now);

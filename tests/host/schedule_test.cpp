@@ -93,15 +93,6 @@ TEST(DesktopAppearance, ForcedThenPortalThenToolkit) {
             << c.preferences.gtkThemeName << " " << c.preferences.portalColorScheme.value_or(99);
 }
 
-TEST(ContainerCandidate, NamesTheDirectoryEvenBeforeItExists) {
-    EXPECT_EQ(containerCandidate({"/nonexistent/c", "/d", "/h"}), std::filesystem::path("/nonexistent/c"));
-    EXPECT_EQ(containerCandidate({std::nullopt, "/d", "/h"}),
-              std::filesystem::path("/d/meterwick/group.app.meterwick"));
-    EXPECT_EQ(containerCandidate({std::nullopt, std::nullopt, "/h"}),
-              std::filesystem::path("/h/.local/share/meterwick/group.app.meterwick"));
-    EXPECT_EQ(containerCandidate({}), std::nullopt);
-}
-
 TEST(WatchAnchor, WatchesTheNearestExistingAncestorForTheNextName) {
     const auto existing = [](std::set<std::string> dirs) {
         return [dirs](const std::filesystem::path& p) { return dirs.contains(p.string()); };

@@ -96,9 +96,9 @@ TEST(ReadStatus, RawValuesAreTheCaseNames) {
              {ReadStatus::unreadable, "unreadable"},
              {ReadStatus::decodeFailed, "decodeFailed"}}) {
         EXPECT_EQ(rawValue(status), raw);
-        EXPECT_EQ(readStatusFromRaw(raw), status);
+        EXPECT_EQ(fromRaw<ReadStatus>(raw), status);
     }
-    EXPECT_EQ(readStatusFromRaw("OK"), std::nullopt);
+    EXPECT_EQ(fromRaw<ReadStatus>("OK"), std::nullopt);
 }
 
 }  // namespace
