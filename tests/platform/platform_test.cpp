@@ -5,6 +5,7 @@
 #include "platform/atomic_write.hpp"
 #include "platform/bundle_info.hpp"
 #include "platform/container.hpp"
+#include "platform/environment.hpp"
 #include "platform/url.hpp"
 #include "support/temp_dir.hpp"
 
@@ -26,6 +27,17 @@ TEST(ContainerDirectory, FollowsTheVariablesInOrder) {
     EXPECT_EQ(containerDirectory({std::nullopt, data, home}), dataHomeDir);
     EXPECT_EQ(containerDirectory({std::nullopt, std::nullopt, home}), homeDir);
     EXPECT_EQ(containerDirectory({std::nullopt, std::nullopt, std::nullopt}), std::nullopt);
+}
+
+TEST(EnvironmentVariable, AnEmptyValueCountsAsUnset) {
+    constexpr const char* kName = "MW_PLATFORM_TEST_VARIABLE";
+    ::setenv(kName, "", 1);
+    EXPECT_EQ(environmentVariable(kName), std::nullopt);
+    ::unsetenv(kName);
+    EXPECT_EQ(environmentVariable(kName), std::nullopt);
+    ::setenv(kName, " x", 1);
+    EXPECT_EQ(environmentVariable(kName), " x");
+    ::unsetenv(kName);
 }
 
 TEST(ContainerDirectory, AMissingDirectoryOrAFileIsNoContainer) {
