@@ -4,6 +4,8 @@
 #include <functional>
 #include <iostream>
 #include <memory>
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 #include "app/cli.hpp"
 #include "app/host_client.hpp"
@@ -78,8 +80,9 @@ nlohmann::ordered_json listed(const PlacedWidget& widget) {
     return json;
 }
 
-struct PlaceArguments {
-    std::string kind;
+// What place and edit both take: the family, the options, the place and
+// the monitor, each with whether it was given.
+struct PlacementArguments {
     std::string family;
     CLI::Option* familyOption = nullptr;
     std::vector<std::string> assignments;
@@ -89,15 +92,12 @@ struct PlaceArguments {
     CLI::Option* monitorOption = nullptr;
 };
 
-struct EditArguments {
+struct PlaceArguments : PlacementArguments {
+    std::string kind;
+};
+
+struct EditArguments : PlacementArguments {
     std::string id;
-    std::string family;
-    CLI::Option* familyOption = nullptr;
-    std::vector<std::string> assignments;
-    std::string at;
-    CLI::Option* atOption = nullptr;
-    std::string monitor;
-    CLI::Option* monitorOption = nullptr;
 };
 
 }  // namespace
