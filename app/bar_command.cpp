@@ -20,6 +20,8 @@
 #include <cmath>
 #include <filesystem>
 #include <memory>
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 #include "app/bar_line.hpp"
 #include "app/cli.hpp"

@@ -7,6 +7,8 @@
 #include <unordered_set>
 
 #include <nlohmann/json.hpp>
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 #include "app/cli.hpp"
 #include "model/accounts.hpp"

@@ -2,6 +2,8 @@
 // identifiers answered as the host would.
 
 #include <memory>
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 #include "app/cli.hpp"
 #include "config/choices.hpp"

@@ -1,5 +1,8 @@
 #include "app/cli.hpp"
 
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
 #include "platform/text.hpp"
 
 #include <filesystem>

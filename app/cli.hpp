@@ -9,13 +9,17 @@
 #include <string>
 #include <vector>
 
-#include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include "bundle/bundle.hpp"
 #include "config/family.hpp"
 #include "config/intents.hpp"
 #include "timeline/providers.hpp"
+
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
 
 namespace mw::cli {
 

@@ -2,6 +2,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 #include "app/cli.hpp"
 #include "platform/bundle_info.hpp"

@@ -13,6 +13,8 @@
 #include <iostream>
 #include <memory>
 #include <sstream>
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 #include "app/cli.hpp"
 #include "app/doctor_report.hpp"

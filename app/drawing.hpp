@@ -10,7 +10,9 @@
 #include <string>
 #include <string_view>
 
-#include <CLI/CLI.hpp>
+namespace CLI {
+class App;
+}  // namespace CLI
 
 namespace mw::cli {
 

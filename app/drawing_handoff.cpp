@@ -1,5 +1,6 @@
 #include "app/drawing.hpp"
 
+#include <CLI/CLI.hpp>
 #include <unistd.h>
 
 #include <cerrno>

@@ -2,6 +2,8 @@
 // providers' answers.
 
 #include <memory>
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 #include "app/cli.hpp"
 

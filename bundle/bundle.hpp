@@ -10,7 +10,7 @@
 #include <variant>
 #include <vector>
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include "config/family.hpp"
 #include "config/intents.hpp"

@@ -1,6 +1,7 @@
 #include "render/describe.hpp"
 
 #include <cmath>
+#include <nlohmann/json.hpp>
 
 namespace mw::render {
 

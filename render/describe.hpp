@@ -19,7 +19,7 @@
 //   link:   "url"
 // Colours are resolved for the appearance and written "#RRGGBBAA".
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include "render/color.hpp"
 #include "render/display_list.hpp"

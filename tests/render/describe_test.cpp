@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
 #include <numbers>
 
 #include "render/fake_measurer.hpp"
