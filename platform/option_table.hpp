@@ -2,8 +2,7 @@
 // One table per enumeration that is written or read as text: each case with
 // its stored raw value and, where people see it, its display text, in case
 // order. An enumeration gets its table by specialising OptionTable in
-// namespace mw beside its declaration; rawValue, fromRaw and displayText then
-// read it.
+// namespace mw beside its declaration; rawValue and fromRaw then read it.
 
 #include <optional>
 #include <string_view>
