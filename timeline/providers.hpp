@@ -51,16 +51,18 @@ struct Provider {
     static Entry snapshot(const Intent& intent, const ProviderContext& context, const LoadResult& loaded);
     static Timeline<Entry> timeline(const Intent& intent, const ProviderContext& context, const LoadResult& loaded);
 
-    // A static configuration has nothing to pass.
-    static Entry snapshot(const ProviderContext& context)
-        requires std::is_same_v<Intent, NoIntent>
-    {
-        return snapshot(NoIntent{}, context);
+    // A static configuration has nothing to pass. Member templates, so that
+    // the explicit instantiations for the other kinds leave them out (clang
+    // would otherwise instantiate them despite the constraint).
+    template <class I = Intent>
+        requires std::is_same_v<I, NoIntent>
+    static Entry snapshot(const ProviderContext& context) {
+        return snapshot(I{}, context);
     }
-    static Timeline<Entry> timeline(const ProviderContext& context)
-        requires std::is_same_v<Intent, NoIntent>
-    {
-        return timeline(NoIntent{}, context);
+    template <class I = Intent>
+        requires std::is_same_v<I, NoIntent>
+    static Timeline<Entry> timeline(const ProviderContext& context) {
+        return timeline(I{}, context);
     }
 };
 
