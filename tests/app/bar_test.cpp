@@ -15,7 +15,7 @@
 
 #include "app/bar_line.hpp"
 #include "config/choices.hpp"
-#include "timeline/test_payloads.hpp"
+#include "support/payloads.hpp"
 
 namespace mw {
 namespace {
@@ -25,21 +25,14 @@ using cli::barLine;
 using testing::kNow;
 using testing::payloadOf;
 using testing::tool;
+using testing::window;
+using testing::withWindows;
 
 WidgetToolChoice choice(const std::string& key) { return {key, key, key.substr(0, 3)}; }
 
 FocusEntry entry(WidgetPayload payload, ReadStatus status = ReadStatus::ok, WidgetToolChoice chosen = highestUsageChoice(),
                  Date date = kNow) {
     return {date, std::move(payload), std::move(chosen), status, WidgetDetailStyle::classic};
-}
-
-WidgetToolSnapshot withWindows(WidgetToolSnapshot snapshot, std::vector<WidgetUsageWindow> windows) {
-    snapshot.windows = std::move(windows);
-    return snapshot;
-}
-
-WidgetUsageWindow timed(const std::string& label, double used, double duration, double resetIn) {
-    return {label, label, used, kNow + resetIn, duration};
 }
 
 TEST(BarLine, FollowsTheFocusDecision) {
@@ -61,13 +54,13 @@ TEST(BarLine, FollowsTheFocusDecision) {
     };
     const Case cases[] = {
         // A short window at 90 % or more is critical whatever its pace; "highest" picks it.
-        {"critical", entry(payloadOf({tool("codex", 20), withWindows(tool("claude", 93), {timed("5h", 93, 18000, 1800)})})),
+        {"critical", entry(payloadOf({tool("codex", 20), withWindows(tool("claude", 93), {window("5h", 93, 1800, 18000)})})),
          "Cla 93%", 93, {"critical", "on"}, "claude"},
         // A weekly window ahead of its pace warns; a slug makes the key.
-        {"warning", entry(payloadOf({withWindows(tool("codex", 70, "work"), {timed("Week", 70, 604800, 302400)})}),
+        {"warning", entry(payloadOf({withWindows(tool("codex", 70, "work"), {window("Week", 70, 302400, 604800)})}),
                           ReadStatus::ok, choice("codex:work")),
          "Cod 70%", 70, {"warning", "over"}, "codex:work"},
-        {"under pace", entry(payloadOf({withWindows(tool("gemini", 10), {timed("5h", 10, 18000, 3600)})})),
+        {"under pace", entry(payloadOf({withWindows(tool("gemini", 10), {window("5h", 10, 3600, 18000)})})),
          "Gem 10%", 10, {"ok", "under"}, "gemini"},
         {"no pace", entry(payloadOf({tool("claude", 140)})), "Cla 140%", 100, {"critical", "none"}, "claude"},
         {"left, clamped", entry(remaining, ReadStatus::ok, choice("claude")), "Cla 0% left", 0, {"critical", "none"},
@@ -95,7 +88,7 @@ TEST(BarLine, FollowsTheFocusDecision) {
 }
 
 TEST(BarLine, TooltipHasOneLinePerShownAccountOrThePanelsAdvice) {
-    auto payload = payloadOf({withWindows(tool("claude", 62), {timed("5h", 62, 18000, 9000), timed("Week", 48, 604800, 259200)}),
+    auto payload = payloadOf({withWindows(tool("claude", 62), {window("5h", 62, 9000, 18000), window("Week", 48, 259200, 604800)}),
                               tool("codex", 18, "work"), tool("gemini")});
     payload.enabledToolIDs = {"claude", "codex:work"};  // gemini hidden: no line
     payload.tools[1].hasQuotaHeadline = false;

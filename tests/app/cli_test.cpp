@@ -12,7 +12,7 @@
 #include <nlohmann/json.hpp>
 
 #include "payload/self_report.hpp"
-#include "timeline/test_payloads.hpp"
+#include "support/payloads.hpp"
 
 namespace mw {
 namespace {

@@ -9,7 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include "app/doctor_report.hpp"
-#include "timeline/test_payloads.hpp"
+#include "support/payloads.hpp"
 
 namespace mw {
 namespace {

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "config/family.hpp"
-#include "timeline/test_payloads.hpp"
+#include "support/payloads.hpp"
 
 namespace mw {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "timeline/test_payloads.hpp"
+#include "support/payloads.hpp"
 
 namespace mw {
 namespace {

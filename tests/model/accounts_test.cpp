@@ -4,14 +4,14 @@
 
 #include <functional>
 
-#include "fixtures.hpp"
+#include "support/payloads.hpp"
 
 namespace mw {
 namespace {
 
 using testing::account;
 using testing::payloadOf;
-using testing::snapshot;
+using testing::tool;
 using testing::window;
 
 std::vector<std::string> keys(const std::vector<WidgetAccount>& accounts) {
@@ -21,24 +21,24 @@ std::vector<std::string> keys(const std::vector<WidgetAccount>& accounts) {
 }
 
 TEST(AccountList, GroupsByToolInFirstOccurrenceOrderMainAccountFirst) {
-    EXPECT_EQ(keys(accountList(payloadOf({snapshot("B"), snapshot("A"), snapshot("B", "work")}))),
+    EXPECT_EQ(keys(accountList(payloadOf({tool("B"), tool("A"), tool("B", "work")}))),
               (std::vector<std::string>{"B", "B:work", "A"}));
-    EXPECT_EQ(keys(accountList(payloadOf({snapshot("A", "work"), snapshot("A")}))),
+    EXPECT_EQ(keys(accountList(payloadOf({tool("A", "work"), tool("A")}))),
               (std::vector<std::string>{"A", "A:work"}));
     // Slugged accounts keep payload order among themselves. A disconnected
     // snapshot stays only with windows, even none; a tool whose first
     // snapshot was dropped is placed by its first kept one.
-    auto hidden = snapshot("C");
+    auto hidden = tool("C");
     hidden.isConnected = false;
-    auto windowed = snapshot("D", std::nullopt, std::vector<WidgetUsageWindow>{});
+    auto windowed = tool("D", std::nullopt, std::vector<WidgetUsageWindow>{});
     windowed.isConnected = false;
     EXPECT_EQ(
-        keys(accountList(payloadOf({hidden, snapshot("A", "z"), windowed, snapshot("C", "y"), snapshot("A", "x")}))),
+        keys(accountList(payloadOf({hidden, tool("A", "z"), windowed, tool("C", "y"), tool("A", "x")}))),
         (std::vector<std::string>{"A:z", "A:x", "D", "C:y"}));
 }
 
 TEST(AccountList, MatchesEnabledKeysExactly) {
-    auto payload = payloadOf({snapshot("A", "work"), snapshot("B"), snapshot("C")});
+    auto payload = payloadOf({tool("A", "work"), tool("B"), tool("C")});
     payload.enabledToolIDs = {"A", "b", "C"};  // bare tool of a slugged snapshot; wrong case
     EXPECT_EQ(keys(accountList(payload)), (std::vector<std::string>{"C"}));
 
@@ -48,7 +48,7 @@ TEST(AccountList, MatchesEnabledKeysExactly) {
 
 TEST(ShownWindows, FollowsQuotaHeadlineAndFallsBackToHeadlineFigures) {
     const std::vector<WidgetUsageWindow> three{window("5h", 1), window("Week", 2), window("Opus", 3)};
-    auto s = snapshot("A", std::nullopt, three);
+    auto s = tool("A", std::nullopt, three);
     s.hasQuotaHeadline = false;
     EXPECT_TRUE(shownWindows(account(s)).empty());
     EXPECT_FALSE(secondWindow(account(s)));
@@ -87,7 +87,7 @@ TEST(Titles, SplitOnSpacedMiddleDot) {
         {"Tool \u00B7  \u00B7 eu", "Tool", "eu"},                  // empty pieces are dropped
     };
     for (const auto& c : cases) {
-        auto s = snapshot("A");
+        auto s = tool("A");
         s.displayName = c.name;
         EXPECT_EQ(providerTitle(account(s)), c.provider) << c.name;
         EXPECT_EQ(accountTitle(account(s)), c.account) << c.name;
@@ -95,7 +95,7 @@ TEST(Titles, SplitOnSpacedMiddleDot) {
 }
 
 TEST(LimitWindow, MatchesExactLabelOrExactDurationFirstWins) {
-    const auto a = account(snapshot("A", std::nullopt,
+    const auto a = account(tool("A", std::nullopt,
                                     std::vector<WidgetUsageWindow>{
                                         window("Session", 1, std::nullopt, 3600),
                                         window("5h", 2, std::nullopt, 3600),     // the label wins
@@ -108,11 +108,11 @@ TEST(LimitWindow, MatchesExactLabelOrExactDurationFirstWins) {
 
     auto byID = window("Session", 1);
     byID.id = "5h";
-    const auto b = account(snapshot("B", std::nullopt, std::vector<WidgetUsageWindow>{byID, window("Weekly", 2)}));
+    const auto b = account(tool("B", std::nullopt, std::vector<WidgetUsageWindow>{byID, window("Weekly", 2)}));
     EXPECT_FALSE(limitWindow(b, WidgetLimitChoice::fiveHour));
     EXPECT_FALSE(limitWindow(b, WidgetLimitChoice::weekly));
 
-    EXPECT_FALSE(limitWindow(account(snapshot("C")), WidgetLimitChoice::weekly));  // the "Now" window only
+    EXPECT_FALSE(limitWindow(account(tool("C")), WidgetLimitChoice::weekly));  // the "Now" window only
 }
 
 TEST(DurationText, RoundsToMinutesThenPicksTheUnit) {
@@ -130,7 +130,7 @@ TEST(DurationText, RoundsToMinutesThenPicksTheUnit) {
 
 TEST(WidgetAccountHash, CoversTheWholeSnapshot) {
     const std::hash<WidgetAccount> hash;
-    auto s = snapshot("A", "work", std::vector<WidgetUsageWindow>{window("5h", 10, 60, 18000)});
+    auto s = tool("A", "work", std::vector<WidgetUsageWindow>{window("5h", 10, 60, 18000)});
     EXPECT_EQ(account(s), account(s));
     EXPECT_EQ(hash(account(s)), hash(account(s)));
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "fixtures.hpp"
+#include "support/payloads.hpp"
 
 namespace mw {
 namespace {
@@ -41,7 +41,7 @@ TEST(BrandColors, BuiltInTableMatchesWholeToolIDsExactly) {
 }
 
 TEST(BrandColors, ToolColorFallsBackToTheBuiltInBrand) {
-    auto s = testing::snapshot("codex");
+    auto s = testing::tool("codex");
     s.brandHex = "#FF0000";
     EXPECT_EQ(toolColor(s), bytes(255, 0, 0));
     s.brandHex = "";

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "fixtures.hpp"
+#include "support/payloads.hpp"
 
 namespace mw {
 namespace {
@@ -11,11 +11,11 @@ using testing::kFiveHours;
 using testing::kNow;
 using testing::kWeek;
 using testing::pacedWindow;
-using testing::snapshot;
+using testing::tool;
 using testing::window;
 
 WidgetAccount named(std::string name, std::vector<WidgetUsageWindow> windows) {
-    auto s = snapshot(name, std::nullopt, std::move(windows));
+    auto s = tool(name, std::nullopt, std::move(windows));
     s.displayName = std::move(name);
     return WidgetAccount{std::move(s)};
 }

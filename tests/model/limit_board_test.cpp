@@ -2,13 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include "fixtures.hpp"
+#include "support/payloads.hpp"
 
 namespace mw {
 namespace {
 
 using testing::payloadOf;
-using testing::snapshot;
+using testing::tool;
 using testing::window;
 
 using Windows = std::vector<WidgetUsageWindow>;
@@ -17,15 +17,15 @@ using P = WidgetPercentChoice;
 using O = WidgetOrderChoice;
 
 WidgetPayload fleet() {
-    auto hidden = snapshot("claude", "eu", Windows{window("Week", 5)});
+    auto hidden = tool("claude", "eu", Windows{window("Week", 5)});
     hidden.hasQuotaHeadline = false;
     return payloadOf({
-        snapshot("claude", std::nullopt, Windows{window("5h", 70), window("Week", 40)}),
-        snapshot("codex", std::nullopt, Windows{window("Session", 20, std::nullopt, testing::kFiveHours)}),
-        snapshot("claude", "work", Windows{window("5h", 5), window("Week", 10)}),
+        tool("claude", std::nullopt, Windows{window("5h", 70), window("Week", 40)}),
+        tool("codex", std::nullopt, Windows{window("Session", 20, std::nullopt, testing::kFiveHours)}),
+        tool("claude", "work", Windows{window("5h", 5), window("Week", 10)}),
         hidden,
-        snapshot("cursor", std::nullopt, Windows{window("Week", 80)}),
-        snapshot("gemini", std::nullopt, Windows{window("Week", 130)}),
+        tool("cursor", std::nullopt, Windows{window("Week", 80)}),
+        tool("gemini", std::nullopt, Windows{window("Week", 130)}),
     });
 }
 
@@ -69,18 +69,18 @@ TEST(LimitBoard, MostRoomFirstWindowlessLastOrAppOrder) {
 TEST(LimitBoard, RoomLeftNeverExceedsTheWholeLimit) {
     // A window below zero used leaves the whole limit, not more, and does not
     // jump ahead of an untouched one.
-    const auto payload = payloadOf({snapshot("claude", std::nullopt, Windows{window("Week", 0)}),
-                                    snapshot("codex", std::nullopt, Windows{window("Week", -5)})});
+    const auto payload = payloadOf({tool("claude", std::nullopt, Windows{window("Week", 0)}),
+                                    tool("codex", std::nullopt, Windows{window("Week", -5)})});
     EXPECT_EQ(rows(limitBoard(payload, "all", L::weekly, P::left, O::mostRoom)),
               (std::vector<Row>{{"claude", 100}, {"codex", 100}}));
 }
 
 TEST(LimitBoard, TiesKeepAccountOrderAndProvidersMatchExactly) {
     const auto payload = payloadOf({
-        snapshot("a", std::nullopt, Windows{window("Week", 150)}),
-        snapshot("b", std::nullopt, Windows{window("Week", 100)}),
-        snapshot("c", std::nullopt, Windows{window("Week", 50)}),
-        snapshot("d", std::nullopt, Windows{window("Week", 50)}),
+        tool("a", std::nullopt, Windows{window("Week", 150)}),
+        tool("b", std::nullopt, Windows{window("Week", 100)}),
+        tool("c", std::nullopt, Windows{window("Week", 50)}),
+        tool("d", std::nullopt, Windows{window("Week", 50)}),
     });
     EXPECT_EQ(rows(limitBoard(payload, "all", L::weekly, P::left, O::mostRoom)),
               (std::vector<Row>{{"c", 50}, {"d", 50}, {"a", 0}, {"b", 0}}));

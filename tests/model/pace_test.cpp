@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "fixtures.hpp"
+#include "support/payloads.hpp"
 
 namespace mw {
 namespace {

@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "render/display_list.hpp"
 #include "render/layout.hpp"
 
 namespace mw::render::testing {
@@ -63,31 +62,5 @@ public:
     }
     mutable int calls = 0;
 };
-
-inline std::vector<const DrawOp*> opsOf(const DisplayList& list, auto predicate) {
-    std::vector<const DrawOp*> out;
-    for (const auto& op : list.ops) {
-        if (predicate(op)) out.push_back(&op);
-    }
-    return out;
-}
-
-inline const TextDraw* textNamed(const DisplayList& list, const std::string& prefix, Rect* frame = nullptr) {
-    for (const auto& op : list.ops) {
-        if (const auto* t = std::get_if<TextDraw>(&op.item); t && t->text().rfind(prefix, 0) == 0) {
-            if (frame) *frame = op.frame;
-            return t;
-        }
-    }
-    return nullptr;
-}
-
-inline std::vector<Rect> shapeFrames(const DisplayList& list) {
-    std::vector<Rect> out;
-    for (const auto& op : list.ops) {
-        if (std::holds_alternative<ShapeDraw>(op.item)) out.push_back(op.frame);
-    }
-    return out;
-}
 
 }  // namespace mw::render::testing

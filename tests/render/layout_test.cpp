@@ -5,14 +5,15 @@
 #include <numbers>
 
 #include "render/fake_measurer.hpp"
+#include "support/display_list.hpp"
 #include "render/view.hpp"
 
 namespace mw::render {
 namespace {
 
 using testing::FakeMeasurer;
-using testing::shapeFrames;
-using testing::textNamed;
+using mw::testing::shapeFrames;
+using mw::testing::textNamed;
 
 const FakeMeasurer kMeasurer;
 

@@ -17,7 +17,7 @@
 #include "payload/self_report.hpp"
 #include "support/child_process.hpp"
 #include "timeline/providers.hpp"
-#include "timeline/test_payloads.hpp"
+#include "support/payloads.hpp"
 
 namespace mw {
 namespace {

@@ -9,7 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "model/fixtures.hpp"
+#include "support/display_list.hpp"
+#include "support/payloads.hpp"
 #include "model/insights.hpp"
 #include "model/pace.hpp"
 #include "payload/codec.hpp"
@@ -32,7 +33,7 @@ using testing::kFiveHours;
 using testing::kNow;
 using testing::kWeek;
 using testing::pacedWindow;
-using testing::snapshot;
+using testing::tool;
 using testing::window;
 using Texts = std::vector<std::string>;
 constexpr auto S = WidgetFamily::systemSmall, M = WidgetFamily::systemMedium, L = WidgetFamily::systemLarge,
@@ -51,9 +52,8 @@ DisplayList draw(const render::View& view, WidgetFamily family) {
 
 // The drawn texts, less the one-letter initials of tools drawn without a logo.
 Texts textsOf(const DisplayList& list) {
-    Texts out;
-    for (const auto& op : list.ops)
-        if (const auto* t = std::get_if<TextDraw>(&op.item); t && t->text().size() > 1) out.push_back(t->text());
+    auto out = testing::texts(list);
+    std::erase_if(out, [](const std::string& text) { return text.size() <= 1; });
     return out;
 }
 
@@ -76,7 +76,7 @@ std::size_t shownCount(const Texts& texts, const std::string& line) {
 AccountsBoard board(std::size_t n, WidgetFamily family, double age = 10) {
     std::vector<WidgetAccount> accounts;
     for (std::size_t i = 0; i < n; ++i) {
-        accounts.push_back(account(snapshot(
+        accounts.push_back(account(tool(
             "tool" + std::to_string(i), std::nullopt,
             std::vector{pacedWindow("5h", 50, kFiveHours, 0.2), pacedWindow("Week", 30 + double(i), kWeek, 0.5)})));
     }
@@ -85,7 +85,7 @@ AccountsBoard board(std::size_t n, WidgetFamily family, double age = 10) {
 
 // End to end, from the container to the drawing.
 TEST(AccountsWidgetView, PanelsFromThePayloadFile) {
-    auto payload = testing::payloadOf({snapshot("claude", std::nullopt, std::vector{window("5h", 10)})});
+    auto payload = testing::payloadOf({tool("claude", std::nullopt, std::vector{window("5h", 10)})});
     payload.updatedAt = kNow - 1799;
     auto stale = payload;
     stale.updatedAt = kNow - 1800;
@@ -105,8 +105,8 @@ TEST(AccountsWidgetView, PanelsFromThePayloadFile) {
         if (c.file) dir.write(kPayloadFileName, *c.file);
         ProviderContext context{c.file ? std::optional(dir.path()) : std::nullopt, kNow, {}};
         const auto list = draw(accountsWidgetView(AccountsProvider::snapshot(context), L), L);
-        EXPECT_NE(render::testing::textNamed(list, c.title), nullptr);
-        const auto symbols = render::testing::opsOf(list, [&](const render::DrawOp& op) {
+        EXPECT_NE(testing::textNamed(list, c.title), nullptr);
+        const auto symbols = testing::opsOf(list, [&](const render::DrawOp& op) {
             const auto* image = std::get_if<render::ImageDraw>(&op.item);
             return image && image->name == c.symbol;
         });
@@ -137,7 +137,7 @@ TEST(AccountsBoard, RowCapsOverflowNoteAndInsightBudget) {
         EXPECT_EQ(notes, c.note.empty() ? 0 : c.family == M ? 1 : 2);
         if (!c.note.empty()) {
             EXPECT_EQ(countOf(texts, c.note), static_cast<std::size_t>(notes));
-            const auto* last = render::testing::opsOf(list, [&](const render::DrawOp& op) {
+            const auto* last = testing::opsOf(list, [&](const render::DrawOp& op) {
                 const auto* t = std::get_if<TextDraw>(&op.item);
                 return t && t->text() == c.note;
             }).back();
@@ -164,8 +164,8 @@ TEST(AccountsBoard, DataAgeShowsFromFiveMinutes) {
 }
 
 TEST(AccountsBoard, RowsLinkToTheirAccountsInOrder) {
-    std::vector<WidgetAccount> list{account(snapshot("codex")), account(snapshot("claude", "work")),
-                                    account(snapshot("claude", "my team/é"))};
+    std::vector<WidgetAccount> list{account(tool("codex")), account(tool("claude", "work")),
+                                    account(tool("claude", "my team/é"))};
     for (auto& a : list) a.snapshot.windows = std::vector{window("5h", 20)};
     const auto drawn = draw(body(AccountsBoard{list, L, kNow, kNow, false}), L);
     const Texts expected{"meterwick://tool/codex", "meterwick://tool/claude:work",
@@ -188,20 +188,19 @@ TEST(AccountRows, PercentText) {
 
 TEST(AccountRows, ShowWhatEachAccountHas) {
     auto both =
-        snapshot("claude", "work", std::vector{window("5h", 100, 7800, kFiveHours), window("Week", 40, -60, kWeek)});
+        tool("claude", "work", std::vector{window("5h", 100, 7800, kFiveHours), window("Week", 40, -60, kWeek)});
     both.displayName = "Claude \u00B7 Work";
-    auto plain = snapshot("codex", std::nullopt, std::vector{window("Now", 20)});
-    plain.displayName = "Codex";
-    auto noWindows = snapshot("cursor");
+    auto plain = tool("codex", std::nullopt, std::vector{window("Now", 20)});
+    auto noWindows = tool("cursor");
     noWindows.hasQuotaHeadline = false;
     noWindows.menuBarText = "$18.40";
 
     // The weekly reset has passed: no countdown for it.
     const auto row = draw(body(AccountRow{account(both), kNow, false, 86}), L);
     EXPECT_EQ(textsOf(row), (Texts{"Claude", "Work", "5h", "100%", "2h 10m", "Week", "40%"}));
-    EXPECT_EQ(render::testing::textNamed(row, "100%")->color, dangerRed());
+    EXPECT_EQ(testing::textNamed(row, "100%")->color, dangerRed());
     EXPECT_EQ(textsOf(draw(body(AccountRow{account(plain), kNow, true, 86}), L)), (Texts{"Codex", "Now", "80%"}));
-    EXPECT_EQ(textsOf(draw(body(AccountRow{account(noWindows), kNow, false, 86}), L)), (Texts{"cursor", "$18.40"}));
+    EXPECT_EQ(textsOf(draw(body(AccountRow{account(noWindows), kNow, false, 86}), L)), (Texts{"Cursor", "$18.40"}));
     EXPECT_EQ(textsOf(draw(body(CompactAccountRow{account(both), kNow, true}), M)),
               (Texts{"Claude", "Work", "5h", "0%", "Week", "60%"}));
 }

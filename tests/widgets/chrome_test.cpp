@@ -4,7 +4,8 @@
 
 #include <cmath>
 
-#include "model/fixtures.hpp"
+#include "support/display_list.hpp"
+#include "support/payloads.hpp"
 #include "model/pace.hpp"
 #include "render/fake_measurer.hpp"
 #include "render/layout.hpp"
@@ -212,7 +213,7 @@ TEST(Surface, WindowFillWithAHairlineAlongTheTopAndTheBrandBadge) {
     const auto badge = lay(body(BrandBadge{}), {170, 40});
     EXPECT_EQ(std::get<ImageDraw>(badge.ops.at(1).item).name, "AppIcon");
     EXPECT_EQ(badge.ops[1].frame.width, 17);
-    ASSERT_NE(render::testing::textNamed(badge, "Meterwick"), nullptr);
+    ASSERT_NE(testing::textNamed(badge, "Meterwick"), nullptr);
 }
 
 }  // namespace

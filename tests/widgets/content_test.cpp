@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "timeline/test_payloads.hpp"
+#include "support/payloads.hpp"
 #include "widgets/dashboard/content.hpp"
 #include "widgets/focus/content.hpp"
 #include "widgets/limit/content.hpp"
@@ -115,9 +115,9 @@ TEST(AccountsPanel, TableRowsInOrder) {
 
 TEST(AccountsLimitPanel, SharedAndProviderPanels) {
     auto weekly = tool("claude");
-    weekly.windows = std::vector{window("5h", 10, 18000), window("Week", 40, 604800)};
+    weekly.windows = std::vector{window("5h", 10, std::nullopt, 18000), window("Week", 40, std::nullopt, 604800)};
     auto sessionOnly = tool("codex");
-    sessionOnly.windows = std::vector{window("5h", 10, 18000)};
+    sessionOnly.windows = std::vector{window("5h", 10, std::nullopt, 18000)};
     auto offline = tool("codex");
     offline.isConnected = false;
     auto hiddenCodex = payloadOf({weekly, sessionOnly});

@@ -7,7 +7,8 @@
 #include <vector>
 
 #include "model/brand.hpp"
-#include "model/fixtures.hpp"
+#include "support/display_list.hpp"
+#include "support/payloads.hpp"
 #include "model/pace.hpp"
 #include "payload/sample.hpp"
 #include "render/fake_measurer.hpp"
@@ -22,12 +23,13 @@
 namespace mw {
 namespace {
 
+using mw::testing::hasText;
 using mw::testing::kNow;
-using mw::testing::snapshot;
+using mw::testing::tool;
 using render::DisplayList;
 using render::ShapeDraw;
 using render::TextDraw;
-using render::testing::textNamed;
+using testing::textNamed;
 
 const render::testing::FakeMeasurer kMeasurer;
 constexpr auto L = WidgetFamily::systemLarge;
@@ -46,12 +48,6 @@ DisplayList lay(const DashboardEntry& entry, WidgetFamily family) {
     return render::layout(dashboardView(entry, family), contentSize(family), kMeasurer);
 }
 
-bool hasText(const DisplayList& list, const std::string& text) {
-    return std::any_of(list.ops.begin(), list.ops.end(), [&](const render::DrawOp& op) {
-        const auto* t = std::get_if<TextDraw>(&op.item);
-        return t && t->text() == text;
-    });
-}
 
 // The chart's bars: the only small-cornered rounded rectangles.
 std::vector<const ShapeDraw*> bars(const DisplayList& list) {
@@ -88,7 +84,7 @@ WidgetDashboard dashboard(std::size_t cards, std::size_t days, bool withTokens) 
 
 // One enabled tool "claude" with `d` as its dashboard, written a minute ago.
 WidgetPayload payloadWith(const WidgetDashboard& d) {
-    auto p = mw::testing::payloadOf({snapshot("claude")});
+    auto p = mw::testing::payloadOf({tool("claude")});
     p.updatedAt = kNow - 60;
     p.dashboards["claude"] = d;
     return p;
@@ -148,7 +144,7 @@ TEST(DashboardFormat, TableGoesCompactAsAWholeWhenOneFigureIsTooLong) {
 // ---------------------------------------------------------------- lookup, panels and link
 
 TEST(DashboardLookup, KeyThenToolIDThenPrimaryForHighestOnly) {
-    auto p = mw::testing::payloadOf({snapshot("claude", "work"), snapshot("codex")});
+    auto p = mw::testing::payloadOf({tool("claude", "work"), tool("codex")});
     p.tools[0].usagePercent = 80;
     WidgetDashboard work, claude, gemini;
     work.subscriptionType = "work";
@@ -256,7 +252,7 @@ TEST(DashboardView, BarsTurnRedFromNinetyPercentAndOneDayShowsOneBar) {
     const auto list = drawn(d, L);  // `bars` points into it
     const auto found = bars(list);
     ASSERT_EQ(found.size(), 3u);
-    EXPECT_EQ(found[0]->color, Color::legible(0x11 / 255.0, 0x22 / 255.0, 0x33 / 255.0));  // the tool's brand
+    EXPECT_EQ(found[0]->color, toolColor(tool("claude")));  // the tool's brand
     EXPECT_EQ(found[1]->color, dangerRed());
     EXPECT_EQ(found[2]->color, dangerRed());
 

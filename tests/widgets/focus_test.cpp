@@ -8,7 +8,8 @@
 #include <vector>
 
 #include "model/brand.hpp"
-#include "model/fixtures.hpp"
+#include "support/display_list.hpp"
+#include "support/payloads.hpp"
 #include "model/pace.hpp"
 #include "payload/sample.hpp"
 #include "render/fake_measurer.hpp"
@@ -25,8 +26,11 @@ using render::DisplayList;
 using render::ShapeDraw;
 using render::TextDraw;
 using Texts = std::vector<std::string>;
+using mw::testing::hasText;
+using mw::testing::textOf;
+using mw::testing::texts;
 using mw::testing::kNow;
-using mw::testing::snapshot;
+using mw::testing::tool;
 using mw::testing::window;
 
 const render::testing::FakeMeasurer kMeasurer;
@@ -35,21 +39,6 @@ DisplayList lay(const render::View& view, render::Size size = {138, 138}) {
     return render::layout(view, size, kMeasurer);
 }
 
-Texts texts(const DisplayList& list) {
-    Texts out;
-    for (const auto& op : list.ops)
-        if (const auto* t = std::get_if<TextDraw>(&op.item)) out.push_back(t->text());
-    return out;
-}
-bool hasText(const DisplayList& list, const std::string& text) {
-    const auto all = texts(list);
-    return std::find(all.begin(), all.end(), text) != all.end();
-}
-const TextDraw& textOf(const DisplayList& list, const std::string& text) {
-    for (const auto& op : list.ops)
-        if (const auto* t = std::get_if<TextDraw>(&op.item); t && t->text() == text) return *t;
-    throw std::runtime_error("no text " + text);
-}
 
 // Progress arcs (round-capped strokes) and every circle, in paint order.
 std::vector<const ShapeDraw*> shapes(const DisplayList& list, bool arcsOnly) {
@@ -91,7 +80,7 @@ TEST(FocusText, PercentAndCountdown) {
 }
 
 TEST(FocusClassic, RingShowsUsedOrLeftWithResetAndAge) {
-    auto s = snapshot("claude", "work");
+    auto s = tool("claude", "work");
     s.displayName = "Claude \u00B7 Work";
     s.usagePercent = 62.7;
     s.resetAt = kNow + 2 * 3600 + 10 * 60;
@@ -102,7 +91,7 @@ TEST(FocusClassic, RingShowsUsedOrLeftWithResetAndAge) {
               render::Font::system(28, render::Weight::bold, render::Design::rounded));
     ASSERT_EQ(shapes(used, true).size(), 1u);
     EXPECT_NEAR(shapes(used, true)[0]->trim.to, 0.627, 1e-9);
-    EXPECT_EQ(shapes(used, true)[0]->color, Color::legible(0x11 / 255.0, 0x22 / 255.0, 0x33 / 255.0));
+    EXPECT_EQ(shapes(used, true)[0]->color, toolColor(s));
 
     for (const auto& [percent, text, trimTo] :
          {std::tuple{130.0, "0% left", 0.0}, {42.5, "57% left", 0.575}, {-20.0, "120% left", 1.0}}) {
@@ -118,7 +107,7 @@ TEST(FocusClassic, RingShowsUsedOrLeftWithResetAndAge) {
 }
 
 TEST(FocusClassic, ResetLineOnlyWhileTheResetIsAhead) {
-    auto s = snapshot("codex");
+    auto s = tool("codex");
     for (const auto& [offset, line] : std::vector<std::pair<double, std::string>>{
              {30, "resets now"}, {10780, "resets 2:59"}, {0, "1m ago"}, {-60, "1m ago"}}) {
         s.resetAt = kNow + offset;
@@ -127,7 +116,7 @@ TEST(FocusClassic, ResetLineOnlyWhileTheResetIsAhead) {
 }
 
 TEST(FocusClassic, ToolWithoutQuotaHeadlineShowsItsFigureWithoutRing) {
-    auto s = snapshot("cursor");
+    auto s = tool("cursor");
     s.menuBarText = "$18.40";
     s.hasQuotaHeadline = false;
     const auto list = lay(focusClassicView(s, onePayload(s), kNow));
@@ -140,7 +129,7 @@ TEST(FocusClassic, ToolWithoutQuotaHeadlineShowsItsFigureWithoutRing) {
 
 // Even over a read failure.
 TEST(FocusView, BothStylesGiveWayToTheStalePanel) {
-    const auto p = onePayload(snapshot("codex-cli", "work"));
+    const auto p = onePayload(tool("codex-cli", "work"));
     for (auto style : {WidgetDetailStyle::classic, WidgetDetailStyle::enhanced}) {
         auto e = entryOf(p, "codex-cli:work", style, p.updatedAt + 1800);
         e.readStatus = ReadStatus::decodeFailed;
@@ -169,17 +158,17 @@ TEST(FocusCard, TwoWindowsWithRingCentreRowsAndPace) {
 }
 
 TEST(FocusCard, OneWindowRemainingAndLimitReached) {
-    auto one = snapshot("gemini", std::nullopt, std::vector{window("5h", 30, 3600.0, 18000.0)});
+    auto one = tool("gemini", std::nullopt, std::vector{window("5h", 30, 3600.0, 18000.0)});
     auto list = lay(body(FocusCard{WidgetAccount{one}, kNow, kNow - 30, true}));
     EXPECT_EQ(textOf(list, "70%").runs[0].style.font.size, 19);
     // 80 % of the time gone: 20 % expected to be left.
-    EXPECT_EQ(texts(list), (Texts{"gemini", "70%", "left", "5h", "70%", "1:00", "Under pace \u221250%", "vs 20%"}));
+    EXPECT_EQ(texts(list), (Texts{"Gemini", "70%", "left", "5h", "70%", "1:00", "Under pace \u221250%", "vs 20%"}));
 
-    auto full = snapshot("claude", std::nullopt,
+    auto full = tool("claude", std::nullopt,
                          std::vector{window("5h", 104, 1500.0, 18000.0), window("Week", 40, 86400.0, 604800.0),
                                      window("Opus", 5, 86400.0, 604800.0)});
     list = lay(body(FocusCard{WidgetAccount{full}, kNow, kNow - 700, false}));
-    EXPECT_EQ(texts(list), (Texts{"claude", "11m ago", "104%", "5h", "5h", "104%", "0:25", "Week", "40%", "24:00",
+    EXPECT_EQ(texts(list), (Texts{"Claude", "11m ago", "104%", "5h", "5h", "104%", "0:25", "Week", "40%", "24:00",
                                   "Limit reached", "resets 0:25"}));  // only the windows the rings draw get a row
     EXPECT_EQ(textOf(list, "0:25").color, dangerRed());
     EXPECT_EQ(textOf(list, "24:00").color, Color::tertiary());
@@ -187,11 +176,11 @@ TEST(FocusCard, OneWindowRemainingAndLimitReached) {
 }
 
 TEST(FocusCard, NoPaceLeavesTheLineOutAndNoWindowShowsTheFigure) {
-    auto s = snapshot("copilot");
+    auto s = tool("copilot");
     s.usagePercent = 34;
     s.resetAt = kNow + 600;  // the made-up headline window has no duration, hence no pace
     const auto list = lay(body(FocusCard{WidgetAccount{s}, kNow, kNow, false}), {332, 138});
-    EXPECT_EQ(texts(list), (Texts{"copilot", "34%", "Now", "Now", "34%", "0:10"}));
+    EXPECT_EQ(texts(list), (Texts{"Copilot", "34%", "Now", "Now", "34%", "0:10"}));
     EXPECT_EQ(shapes(list, false).size(), 2u);  // track and fill, no pace dot
 
     const auto cursor = show(entryOf(samplePayload(kNow), "cursor", WidgetDetailStyle::enhanced));

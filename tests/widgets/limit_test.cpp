@@ -5,7 +5,8 @@
 
 #include "config/choices.hpp"
 #include "model/brand.hpp"
-#include "model/fixtures.hpp"
+#include "support/display_list.hpp"
+#include "support/payloads.hpp"
 #include "model/pace.hpp"
 #include "render/fake_measurer.hpp"
 #include "render/layout.hpp"
@@ -19,11 +20,13 @@ namespace {
 
 using render::DisplayList;
 using render::TextDraw;
-using render::testing::textNamed;
+using testing::textNamed;
 using mw::testing::kFiveHours;
+using mw::testing::hasText;
+using mw::testing::texts;
 using mw::testing::kNow;
 using mw::testing::kWeek;
-using mw::testing::snapshot;
+using mw::testing::tool;
 using mw::testing::window;
 using Texts = std::vector<std::string>;
 constexpr auto M = WidgetFamily::systemMedium, L = WidgetFamily::systemLarge, XL = WidgetFamily::systemExtraLarge;
@@ -45,7 +48,7 @@ WidgetToolSnapshot account(std::string toolID, std::optional<std::string> slug, 
     std::vector<WidgetUsageWindow> windows;
     if (fiveHour >= 0) windows.push_back(window("5h", fiveHour, 3600, kFiveHours));
     if (weekly >= 0) windows.push_back(window("Week", weekly, 2 * 86400 + 3600, kWeek));
-    auto s = snapshot(std::move(toolID), std::move(slug), std::move(windows));
+    auto s = tool(std::move(toolID), std::move(slug), std::move(windows));
     s.displayName = s.accountSlug ? s.toolID + " \u00B7 " + *s.accountSlug : s.toolID;
     return s;
 }
@@ -64,17 +67,7 @@ DisplayList lay(WidgetPayload payload, WidgetFamily family, WidgetProviderChoice
     return render::layout(accountsLimitView(entry, family), contentSize(family), kMeasurer);
 }
 
-Texts texts(const DisplayList& list) {
-    Texts out;
-    for (const auto& op : list.ops)
-        if (const auto* t = std::get_if<TextDraw>(&op.item)) out.push_back(t->text());
-    return out;
-}
 
-bool hasText(const DisplayList& list, const std::string& text) {
-    const auto all = texts(list);
-    return std::find(all.begin(), all.end(), text) != all.end();
-}
 
 // The figures of the rows in paint order: the texts ending in "%" or the dash.
 Texts figures(const DisplayList& list) {

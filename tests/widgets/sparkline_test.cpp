@@ -6,7 +6,8 @@
 #include <vector>
 
 #include "config/choices.hpp"
-#include "model/fixtures.hpp"
+#include "support/display_list.hpp"
+#include "support/payloads.hpp"
 #include "model/pace.hpp"
 #include "render/fake_measurer.hpp"
 #include "render/layout.hpp"
@@ -21,9 +22,9 @@ namespace {
 using render::DisplayList;
 using render::Point;
 using render::ShapeDraw;
-using render::testing::textNamed;
+using testing::textNamed;
 using mw::testing::kNow;
-using mw::testing::snapshot;
+using mw::testing::tool;
 using Points = std::vector<SparklinePoint>;
 
 const render::testing::FakeMeasurer kMeasurer;
@@ -71,9 +72,9 @@ void expectInside(const std::vector<Point>& points) {
 }
 
 TEST(SparklineContent, CurveLookupTriesKeyThenToolIDThenPrimaryForHighestOnly) {
-    auto work = snapshot("claude", "work");
+    auto work = tool("claude", "work");
     work.usagePercent = 90;
-    auto payload = payloadOf({snapshot("claude"), work, snapshot("codex")});
+    auto payload = payloadOf({tool("claude"), work, tool("codex")});
     payload.primarySparklineToolID = "codex";
     payload.sparklines["codex"] = line(3, 3);
 
@@ -190,9 +191,9 @@ TEST(SparklineChart, AGapInTheDataBreaksTheCurveAndItsArea) {
 }
 
 TEST(SparklineView, DrawsHeaderChartAxisAndLinksTheTool) {
-    auto tool = snapshot("codex", "work");
-    tool.displayName = "Codex \u00B7 Work";
-    auto payload = payloadOf({tool});
+    auto codex = tool("codex", "work");
+    codex.displayName = "Codex \u00B7 Work";
+    auto payload = payloadOf({codex});
     payload.sparklines["codex"] = curve(6 * kHour, 300, [](double h) { return -3 - h; });
     const auto entry = entryOf(payload, "codex:work");
     const DisplayList list = draw(entry);
@@ -206,7 +207,7 @@ TEST(SparklineView, DrawsHeaderChartAxisAndLinksTheTool) {
 
     // The paths in paint order: the negative area, the dashed zero line and
     // the curve, every point inside the frame it is drawn in.
-    const auto paths = render::testing::opsOf(list, [](const render::DrawOp& op) {
+    const auto paths = testing::opsOf(list, [](const render::DrawOp& op) {
         return std::holds_alternative<ShapeDraw>(op.item) && shapeOf(op).shape.kind == render::ShapeKind::path;
     });
     ASSERT_EQ(paths.size(), 3u);
