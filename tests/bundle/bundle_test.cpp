@@ -82,18 +82,5 @@ TEST(EntryJSON, CarriesDateStatusOptionsToolAndPanel) {
     EXPECT_EQ(timeline["entries"].size(), 1u);
 }
 
-TEST(DeclarationJSON, ListsIntentParameters) {
-    const auto j = toJSON(widgetDeclarations()[2]);
-    EXPECT_EQ(j["kind"], "MeterwickAccountsByLimit");
-    EXPECT_EQ(j["families"], nlohmann::ordered_json({"systemMedium", "systemLarge", "systemExtraLarge"}));
-    const auto& parameters = j["intent"]["parameters"];
-    ASSERT_EQ(parameters.size(), 4u);
-    EXPECT_EQ(parameters[0]["type"], "WidgetProviderChoice");
-    EXPECT_TRUE(parameters[0]["default"].is_null());
-    EXPECT_EQ(parameters[1]["default"], "weekly");
-    EXPECT_EQ(parameters[1]["values"], nlohmann::ordered_json({"weekly", "fiveHour"}));
-    EXPECT_TRUE(toJSON(widgetDeclarations()[1])["intent"].is_null());
-}
-
 }  // namespace
 }  // namespace mw

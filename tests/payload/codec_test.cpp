@@ -120,6 +120,7 @@ TEST(ReadPayload, DocumentsThatAreRefusedWhole) {
     EXPECT_NE(readPayload("{\"a\":}").problems[0].reason.find("not JSON: parse error at line 1"), std::string::npos);
     const std::string deep = "{\"x\":" + std::string(600, '[') + std::string(600, ']') + "}";
     EXPECT_NE(readPayload(deep).problems[0].reason.find("nested deeper"), std::string::npos);
+    EXPECT_TRUE(decodePayload("{\"x\":" + std::string(100, '[') + std::string(100, ']') + "}"));
 }
 
 TEST(DecodePayload, LenientOptionalsAndNumbers) {
@@ -140,19 +141,6 @@ TEST(DecodePayload, LenientOptionalsAndNumbers) {
     EXPECT_TRUE(s.windows->empty());
 }
 
-TEST(DecodePayload, EachRootKeyFallsBackAlone) {
-    const auto payload = decode({{"updatedAt", "2025-01-31T14:05:00.5Z"},
-                                 {"tools", nullptr},
-                                 {"sparklines", {{"claude", {{{"t", "bad"}, {"v", 1}}}}}},
-                                 {"primarySparklineToolID", 3},
-                                 {"enabledToolIDs", {"a", 2}},
-                                 {"dashboards", "none"},
-                                 {"showRemaining", "yes"},
-                                 {"extra", true}});
-    ASSERT_TRUE(payload);
-    EXPECT_EQ(*payload, emptyPayload());
-}
-
 // A missing root key falls back like a failing one and is named too, except
 // the optional primarySparklineToolID, whose default is its absence.
 TEST(ReadPayload, NamesEveryRootKeyThatFellBack) {
@@ -163,22 +151,16 @@ TEST(ReadPayload, NamesEveryRootKeyThatFellBack) {
     };
     EXPECT_EQ(pointersOf("{}"), (std::vector<std::string>{"/updatedAt", "/tools", "/sparklines", "/enabledToolIDs",
                                                            "/dashboards", "/showRemaining"}));
-    EXPECT_EQ(pointersOf(R"({"updatedAt":"2025-01-31T14:05:00.5Z","tools":[],"sparklines":{"c":[{"t":"bad","v":1}]},
-        "primarySparklineToolID":3,"enabledToolIDs":["a",2],"dashboards":{},"showRemaining":null})"),
-              (std::vector<std::string>{"/updatedAt", "/sparklines/c/0/t", "/primarySparklineToolID",
-                                        "/enabledToolIDs/1", "/showRemaining"}));
+    // Each failing key falls back alone, to what the empty payload holds.
+    const std::string allBad = R"({"updatedAt":"2025-01-31T14:05:00.5Z","tools":null,"sparklines":{"c":[{"t":"bad",
+        "v":1}]},"primarySparklineToolID":3,"enabledToolIDs":["a",2],"dashboards":"none","showRemaining":"yes",
+        "extra":true})";
+    EXPECT_EQ(pointersOf(allBad), (std::vector<std::string>{"/updatedAt", "/tools", "/sparklines/c/0/t",
+                                                            "/primarySparklineToolID", "/enabledToolIDs/1",
+                                                            "/dashboards", "/showRemaining"}));
+    EXPECT_EQ(decodePayload(allBad), emptyPayload());
     const auto sample = encodePayload(samplePayload(*parseISO8601("2026-11-22T10:00:00Z")));
     EXPECT_TRUE(readPayload(sample).problems.empty());
-}
-
-TEST(DecodePayload, RefusesAbsurdNestingAndInvalidText) {
-    const std::string deep = "{\"x\":" + std::string(600, '[') + std::string(600, ']') + "}";
-    EXPECT_FALSE(decodePayload(deep));
-    const std::string fine = "{\"x\":" + std::string(100, '[') + std::string(100, ']') + "}";
-    EXPECT_TRUE(decodePayload(fine));
-    // Brackets inside strings do not count.
-    EXPECT_TRUE(decodePayload("{\"x\":\"" + std::string(1000, '[') + "\\\"\"}"));
-    EXPECT_FALSE(decodePayload("{\"tools\":\"\xff\xfe\"}"));  // not UTF-8
 }
 
 TEST(DecodePayload, SamplePayloadRoundTrips) {

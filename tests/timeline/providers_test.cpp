@@ -50,20 +50,34 @@ TEST(Snapshots, OneEntryForNowWithTheConfiguredOptionsAndNoReport) {
     EXPECT_FALSE(std::filesystem::exists(dir / kSelfReportFileName));
 }
 
-TEST(Timelines, MissingPayloadIsReportedWithoutUpdatedAtOrTool) {
-    TempDir dir;
-    const auto timeline = AccountsProvider::timeline(contextFor(dir));
-    ASSERT_EQ(timeline.entries.size(), 3u);
-    EXPECT_EQ(timeline.entries[0].readStatus, ReadStatus::missing);
+// A container without a readable payload: entries carry the status, the
+// report names it without a payload time or tool, and no container means no
+// report at all.
+TEST(Timelines, ReadProblemsAreReportedWithoutUpdatedAtOrTool) {
+    const struct {
+        const char* name;
+        std::optional<std::string> file;  // nothing: no payload file
+        ReadStatus status;
+    } cases[] = {{"missing", std::nullopt, ReadStatus::missing}, {"undecodable", "not json", ReadStatus::decodeFailed}};
+    for (const auto& c : cases) {
+        TempDir dir;
+        if (c.file) dir.write(kPayloadFileName, *c.file);
+        const auto timeline = DashboardProvider::timeline({}, contextFor(dir));
+        EXPECT_EQ(timeline.entries.front().readStatus, c.status) << c.name;
+        EXPECT_EQ(timeline.entries.front().payload, emptyPayload()) << c.name;
+        EXPECT_EQ(timeline.reloadAfter, kNow + 120) << c.name;
+        const auto report = readReport(dir);
+        EXPECT_EQ(report["kind"], "dashboard");
+        EXPECT_EQ(report["payloadReadStatus"], rawValue(c.status));
+        EXPECT_EQ(report["bundleVersion"], "9.9.9");
+        EXPECT_EQ(report["recordedAt"], "2025-01-31T14:05:00Z");
+        EXPECT_FALSE(report.contains("payloadUpdatedAt")) << c.name;
+        EXPECT_FALSE(report.contains("resolvedToolID")) << c.name;
+    }
+    const auto timeline = FocusProvider::timeline({}, {std::nullopt, kNow, kBundle});
+    ASSERT_EQ(timeline.entries.size(), 1u);
+    EXPECT_EQ(timeline.entries[0].readStatus, ReadStatus::noContainer);
     EXPECT_EQ(timeline.reloadAfter, kNow + 120);
-
-    const auto report = readReport(dir);
-    EXPECT_EQ(report["kind"], "accounts");
-    EXPECT_EQ(report["payloadReadStatus"], "missing");
-    EXPECT_FALSE(report.contains("payloadUpdatedAt"));
-    EXPECT_FALSE(report.contains("resolvedToolID"));
-    EXPECT_EQ(report["bundleVersion"], "9.9.9");
-    EXPECT_EQ(report["recordedAt"], "2025-01-31T14:05:00Z");
 }
 
 // The policy's dates are tested on their own; here which widgets look ahead
@@ -105,23 +119,6 @@ TEST(Timelines, HighestWithNothingToRankReportsNoTool) {
     testing::writePayload(dir, payloadOf({}, kNow));
     FocusProvider::timeline({}, contextFor(dir));
     EXPECT_FALSE(readReport(dir).contains("resolvedToolID"));
-}
-
-TEST(Timelines, NoContainerWritesNothingAnywhere) {
-    const auto timeline = FocusProvider::timeline({}, {std::nullopt, kNow, kBundle});
-    ASSERT_EQ(timeline.entries.size(), 1u);
-    EXPECT_EQ(timeline.entries[0].readStatus, ReadStatus::noContainer);
-    EXPECT_EQ(timeline.reloadAfter, kNow + 120);
-}
-
-TEST(Timelines, UndecodablePayloadIsReportedWithoutUpdatedAt) {
-    TempDir dir;
-    dir.write(kPayloadFileName, "not json");
-    const auto timeline = DashboardProvider::timeline({}, contextFor(dir));
-    EXPECT_EQ(timeline.entries[0].readStatus, ReadStatus::decodeFailed);
-    EXPECT_EQ(timeline.entries[0].payload, emptyPayload());
-    EXPECT_EQ(readReport(dir)["payloadReadStatus"], "decodeFailed");
-    EXPECT_FALSE(readReport(dir).contains("payloadUpdatedAt"));
 }
 
 }  // namespace
