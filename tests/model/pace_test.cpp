@@ -98,11 +98,5 @@ TEST(Pace, ShownValueIsClampedToTheRing) {
     for (const auto& c : cases) EXPECT_DOUBLE_EQ(shownValue(c.percent, c.remaining), c.value) << c.percent;
 }
 
-TEST(Colors, UsageRingRecoloursOnlyAtLevelsTwoAndThree) {
-    EXPECT_EQ(usageRingColor(2, kBrand), Color::legible(0.98, 0.66, 0.18));
-    EXPECT_EQ(usageRingColor(3, kBrand), Color::legible(0.93, 0.30, 0.30));
-    for (const std::int64_t level : {-1, 0, 1, 4}) EXPECT_EQ(usageRingColor(level, kBrand), kBrand) << level;
-}
-
 }  // namespace
 }  // namespace mw

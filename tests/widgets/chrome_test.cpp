@@ -67,7 +67,6 @@ TEST(FreshnessMark, HiddenWhileFreshThenLiveOrAgeTurningAmberAtTenMinutes) {
         const auto& text = std::get<TextDraw>(list.ops[0].item);
         EXPECT_EQ(text.text(), c.text);
         EXPECT_EQ(text.color, c.color) << c.age;
-        EXPECT_EQ(text.runs[0].style.font, render::Font::system(8.5, render::Weight::medium));
     }
 }
 
@@ -86,11 +85,8 @@ TEST(UsageRing, FractionIsCappedAndOnlyLevelsTwoAndThreeRecolour) {
         const ShapeDraw &track = shapeOf(ops[0]), &progress = shapeOf(ops[1]);
         EXPECT_TRUE(track.trim.isFull());
         EXPECT_EQ(track.color, kTrack);
-        EXPECT_EQ(track.stroke.cap, render::LineCap::butt);
         EXPECT_EQ(progress.trim, (render::Trim{0, c.trimTo})) << c.percent;
         EXPECT_EQ(progress.color, c.color) << c.level;
-        EXPECT_EQ(progress.stroke.cap, render::LineCap::round);
-        EXPECT_EQ(progress.stroke.lineWidth, 9);
         EXPECT_DOUBLE_EQ(ops[1].rotationDegrees, -90);
     }
 }
@@ -100,8 +96,6 @@ TEST(PaceRings, FillTrimAndTickReachTheDisplayList) {
     PaceRings rings{pacedWindow("5h", 30, 18000, 0.25), std::nullopt, kBrand, kNow};
     const auto ops = shapes(lay(body(rings)));
     ASSERT_EQ(ops.size(), 3u);  // track, fill, tick
-    EXPECT_EQ(ops[0].frame, (Rect{3.5, 3.5, 93, 93}));
-    EXPECT_EQ(shapeOf(ops[0]).color, Color::primary().withOpacity(0.09));
     EXPECT_EQ(shapeOf(ops[1]).trim, (render::Trim{0, 0.3}));
     EXPECT_EQ(shapeOf(ops[1]).color, kBrand);
     EXPECT_DOUBLE_EQ(ops[1].rotationDegrees, -90);
@@ -125,7 +119,6 @@ TEST(PaceRings, InnerRingSitsInsideAtANinetyPercentTint) {
     ASSERT_EQ(ops.size(), 6u);
     EXPECT_EQ(shapeOf(ops[1]).color, dangerRed());
     EXPECT_EQ(ops[3].frame, (Rect{12.5, 12.5, 75, 75}));
-    EXPECT_EQ(shapeOf(ops[3]).stroke.lineWidth, 5);
     EXPECT_EQ(shapeOf(ops[4]).color, kBrand.withOpacity(0.9));
     EXPECT_DOUBLE_EQ(ops[5].frame.height, 8);
 }
@@ -202,18 +195,6 @@ TEST(EmptyState, SymbolAndTextsAreShownVerbatimAndCentred) {
     EXPECT_EQ(subtitle.alignment, render::TextAlignment::center);
     EXPECT_GE(list.ops[2].frame.x, 10);  // horizontal padding; the subtitle wraps within it
     EXPECT_LE(list.ops[2].frame.maxX(), 160);
-}
-
-TEST(Surface, WindowFillWithAHairlineAlongTheTopAndTheBrandBadge) {
-    const auto ops = shapes(lay(body(WidgetSurface{}), {364, 170}));
-    ASSERT_EQ(ops.size(), 2u);
-    EXPECT_EQ(ops[0].frame, (Rect{0, 0, 364, 170}));
-    EXPECT_EQ(ops[1].frame, (Rect{0, 0, 364, 1}));
-
-    const auto badge = lay(body(BrandBadge{}), {170, 40});
-    EXPECT_EQ(std::get<ImageDraw>(badge.ops.at(1).item).name, "AppIcon");
-    EXPECT_EQ(badge.ops[1].frame.width, 17);
-    ASSERT_NE(testing::textNamed(badge, "Meterwick"), nullptr);
 }
 
 }  // namespace

