@@ -89,6 +89,10 @@ std::string selectedValue(const IntentParameter& parameter, const IntentParamete
     return std::string(parameter.unsetMeans);
 }
 
+bool editable(const WidgetDeclaration& widget) {
+    return widget.families.size() > 1 || (widget.intent != nullptr && !widget.intent->parameters.empty());
+}
+
 std::string familyTitle(WidgetFamily family) {
     switch (family) {
         case WidgetFamily::systemSmall:

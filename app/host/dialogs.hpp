@@ -41,6 +41,9 @@ ParameterChoices choicesFor(const IntentParameter& parameter, const std::optiona
 // The value the dialog shows selected: the stored one, else the default,
 // else what an unset parameter means.
 std::string selectedValue(const IntentParameter& parameter, const IntentParameters& stored);
+// Whether Edit Widget has anything to offer for this kind: a size to choose
+// among its families or an option of its intent.
+bool editable(const WidgetDeclaration& widget);
 // How the dialogs name a family: "Small", "Medium", "Large", "Extra Large".
 std::string familyTitle(WidgetFamily family);
 

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "app/host/desktop_monitors.hpp"
+#include "app/host/dialogs.hpp"
 #include "host/spoken.hpp"
 #include "render/display_list.hpp"
 
@@ -41,7 +42,7 @@ WidgetWindow::WidgetWindow(PlacedWidget placed, ResolvedPlacement resolved, Widg
                                                .add = [this] { callbacks_.addRequested(placement_.position()); },
                                                .leave = [this] { access_->leave(); },
                                            });
-    input_->setEditable(widget().intent != nullptr);
+    input_->setEditable(editable(widget()));
 
     draw_ = connect<gboolean(GtkWidget*, cairo_t*)>(window_.get(), "draw", [this](GtkWidget*, cairo_t* cr) {
         const auto appearance = callbacks_.appearance();
@@ -71,7 +72,7 @@ void WidgetWindow::update(const PlacedWidget& placed, const ResolvedPlacement& r
     const bool moved = placed.position != placed_.position || placed.monitor != placed_.monitor;
     placed_ = placed;
     resolved_ = resolved;
-    input_->setEditable(widget().intent != nullptr);
+    input_->setEditable(editable(widget()));
     if (resized) placement_.resize(widgetSize(resolved_.family));
     if ((moved || resized) && !input_->moving()) place();
     if (rebuild) schedule_.reload();
