@@ -1,7 +1,8 @@
 // mw-virtual-pointer WIDTH HEIGHT STEP…: drives the pointer of a wlroots
 // compositor through its virtual pointer protocol, as a person's mouse
-// would. Each STEP is "move X Y", "press", "release" or "wait MS"; positions
-// are in the output's points, WIDTH × HEIGHT being its size.
+// would. Each STEP is "move X Y", "press", "release", "right-press",
+// "right-release" or "wait MS"; positions are in the output's points,
+// WIDTH × HEIGHT being its size.
 
 #include <linux/input-event-codes.h>
 #include <wayland-client.h>
@@ -44,7 +45,7 @@ uint32_t milliseconds() {
 
 int main(int argc, char** argv) {
     if (argc < 3) {
-        std::fprintf(stderr, "usage: mw-virtual-pointer WIDTH HEIGHT [move X Y | press | release | wait MS]…\n");
+        std::fprintf(stderr, "usage: mw-virtual-pointer WIDTH HEIGHT [move X Y | [right-]press | [right-]release | wait MS]…\n");
         return 2;
     }
     wl_display* display = wl_display_connect(nullptr);
@@ -70,10 +71,11 @@ int main(int argc, char** argv) {
             const auto y = static_cast<uint32_t>(std::atoi(argv[i + 2]));
             zwlr_virtual_pointer_v1_motion_absolute(pointer, milliseconds(), x, y, width, height);
             i += 2;
-        } else if (step == "press" || step == "release") {
-            zwlr_virtual_pointer_v1_button(pointer, milliseconds(), BTN_LEFT,
-                                           step == "press" ? WL_POINTER_BUTTON_STATE_PRESSED
-                                                           : WL_POINTER_BUTTON_STATE_RELEASED);
+        } else if (step == "press" || step == "release" || step == "right-press" || step == "right-release") {
+            const bool right = step.starts_with("right-");
+            zwlr_virtual_pointer_v1_button(pointer, milliseconds(), right ? BTN_RIGHT : BTN_LEFT,
+                                           step.ends_with("press") ? WL_POINTER_BUTTON_STATE_PRESSED
+                                                                   : WL_POINTER_BUTTON_STATE_RELEASED);
         } else if (step == "wait" && i + 1 < argc) {
             std::this_thread::sleep_for(std::chrono::milliseconds(std::atoi(argv[++i])));
             continue;
