@@ -11,6 +11,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <fstream>
 #include <functional>
 #include <optional>
 #include <string_view>
@@ -235,6 +237,88 @@ bool overlaps(const PlacedWidget& a, const PlacedWidget& b) {
            a.position.y < b.position.y + sb.height && b.position.y < a.position.y + sa.height;
 }
 
+// sway: a click of the virtual pointer (BUTTON "press" or "right-press").
+void swayClick(int x, int y, const std::string& button = "press") {
+    const std::string release = button == "press" ? "release" : "right-release";
+    run("'" MW_VIRTUAL_POINTER "' 1920 1080 move " + std::to_string(x) + " " + std::to_string(y) + " wait 200 " +
+        button + " wait 50 " + release + " wait 300");
+}
+
+// sway: where the window titled NAME is shown, its content's top-left
+// corner and size; nothing when it is not.
+std::optional<std::array<int, 4>> swayWindow(const std::string& name) {
+    bool floating = false;
+    const auto node = swayNode(name, floating);
+    if (!node) return std::nullopt;
+    const auto& rect = (*node)["rect"];
+    const auto& inner = (*node)["window_rect"];
+    return std::array{rect["x"].get<int>() + inner["x"].get<int>(), rect["y"].get<int>() + inner["y"].get<int>(),
+                      inner["width"].get<int>(), inner["height"].get<int>()};
+}
+
+// sway, a widget placed: Edit Widget from its menu makes it Large, Remove
+// takes it away and the notice's Undo puts it back. sway's headless seat
+// takes no keys from a virtual keyboard here, so all of it is done with the
+// pointer, at the places the menu, the size list and the notice show their
+// items; the store and the screen are checked after each step.
+void swayEditRemoveUndo(const Sandbox& box, const PlacedWidget& widget,
+                        const std::function<std::optional<PlacedWidget>(const std::string&)>& placed) {
+    const std::filesystem::path shots = ::getenv("MW_DESKTOP_SHOTS");
+    const auto hostLog = [&] { return box.hostLog(); };
+    // Data arrives, so the screen shows more than an even panel to compare.
+    ASSERT_TRUE(box.writeSamplePayload());
+    const int x = widget.position.x + 100, y = widget.position.y + 80;
+    // The menu opens at the pointer: Edit Widget… first, Remove Widget below.
+    const auto fromMenu = [&](int item, const std::function<bool()>& done) {
+        for (int attempt = 0; attempt < 3; ++attempt) {
+            swayClick(x, y, "right-press");
+            run("sleep " + std::to_string(1 + attempt));
+            swayClick(x + 50, y + 17 + 26 * item);
+            if (waitFor(done, 8s)) return true;
+            swayClick(1900, 1060);  // away from any menu left open
+        }
+        return false;
+    };
+    ASSERT_TRUE(fromMenu(0, [] { return swayWindow("All Accounts").has_value(); })) << hostLog();
+    // The size list opens over its button, the current size on it and the
+    // next one a row below.
+    const auto edit = *swayWindow("All Accounts");
+    const int sizeX = edit[0] + 220, sizeY = edit[1] + edit[3] - 71;
+    swayClick(sizeX, sizeY);
+    screenshot("sway", shots / "edit-size-list-dark.png");
+    swayClick(sizeX, sizeY + 30);
+    ASSERT_TRUE(waitFor([&] { return placed(widget.id) && placed(widget.id)->family == "systemLarge"; }, 10s))
+        << hostLog();
+    // Drawn where it is saved, and not 20 points beside: a dark widget moved
+    // by 20 points still differs little from itself, so the two are weighed
+    // against each other.
+    const auto drawnLarge = [&](const char* shot) {
+        return waitFor([&] {
+            const auto image = readImage(box.snapshots / (widget.id + ".png"));
+            const auto screen = screenshot("sway", shots / shot);
+            const auto [px, py] = widget.position;
+            const double here = mismatch(screen, image, px, py), beside = mismatch(screen, image, px + 20, py);
+            return here < 3 && beside > 2 * here + 1;
+        }, 20s);
+    };
+    EXPECT_TRUE(drawnLarge("edited-dark.png")) << hostLog();
+    const auto large = readImage(box.snapshots / (widget.id + ".png"));
+    EXPECT_GT(large.height, static_cast<int>(widgetSize(WidgetFamily::systemMedium).height)) << "drawn larger";
+
+    ASSERT_TRUE(fromMenu(1, [&] { return !placed(widget.id).has_value(); })) << hostLog();
+    ASSERT_TRUE(waitFor([] { return swayWindow("Widget Removed").has_value(); }, 10s)) << hostLog();
+    screenshot("sway", shots / "removed-dark.png");
+    // Undo sits left of Close at the notice's right end.
+    const auto notice = *swayWindow("Widget Removed");
+    swayClick(notice[0] + notice[2] - 138, notice[1] + notice[3] / 2);
+    EXPECT_TRUE(waitFor([&] { return placed(widget.id).has_value(); }, 10s)) << hostLog();
+    auto back = placed(widget.id);
+    ASSERT_TRUE(back.has_value());
+    EXPECT_EQ(back->family, "systemLarge");
+    EXPECT_EQ(back->position, widget.position);
+    EXPECT_TRUE(drawnLarge("undone-dark.png")) << hostLog();
+}
+
 // A first start with nothing placed, as a person without a terminal meets
 // it: the gallery opens by itself, widgets are added on free spots, one is
 // edited (size and an option), one removed and put back with Undo. Dark, so
@@ -268,8 +352,9 @@ void firstRunScenario(const std::string& desktop) {
         const int y = gallery["rect"]["y"].get<int>() + gallery["window_rect"]["y"].get<int>() + 160;
         const std::string at = " move " + std::to_string(x) + " " + std::to_string(y);
         run("'" MW_VIRTUAL_POINTER "' 1920 1080" + at + " wait 200 press wait 30 release wait 30 press wait 30 release wait 300");
-        EXPECT_TRUE(waitFor([&] { return placed("accounts-1").has_value(); }, 10s)) << hostLog();
+        ASSERT_TRUE(waitFor([&] { return placed("accounts-1").has_value(); }, 10s)) << hostLog();
         screenshot("sway", shots / "added-dark.png");
+        swayEditRemoveUndo(box, *placed("accounts-1"), placed);
         return;
     }
 
@@ -332,10 +417,125 @@ void firstRunScenario(const std::string& desktop) {
     EXPECT_TRUE(waitFor([&] { return placed("focus-1") == focus; }, 10s)) << readFile(file);
 }
 
+// The mean level of every channel of X11 window ID as drawn now (Adwaita's
+// light dialogs sit near 240, its dark ones near 50); -1 when it cannot be
+// grabbed.
+double windowLevel(const std::string& id) {
+    const auto image = readPPM(run("import -window " + id + " -depth 8 ppm:-").out);
+    if (image.rgb.empty()) return -1;
+    double sum = 0;
+    for (const unsigned char c : image.rgb) sum += c;
+    return sum / static_cast<double>(image.rgb.size());
+}
+
+// The installed host reached the way a menu, a dock and a link reach it, on
+// a session bus of its own that knows the installed prefix's D-Bus services
+// (XDG_DATA_DIRS names the prefix's share for the desktop entry): gtk-launch
+// starts it through D-Bus activation and it opens the gallery; a settings
+// portal that starts after it turns the gallery and the widgets dark, and
+// back to light when it says the preference changed; the entry's "Add Widget"
+// action, launched as a dock does, and `gio open meterwick://open` open the
+// gallery again.
+void installedScenario() {
+    const Sandbox box;
+    ASSERT_TRUE(box.writeSamplePayload());
+    ::setenv("NO_AT_BRIDGE", "1", 1);
+    ::unsetenv("MW_HOST_APPEARANCE");
+    const std::filesystem::path prefix = ::getenv("MW_INSTALLED_PREFIX");
+    const std::filesystem::path shots = ::getenv("MW_DESKTOP_SHOTS");
+    const auto installedHost = (prefix / "bin" / "meterwick-widget-host").string();
+    ::setenv("XDG_DATA_DIRS", ((prefix / "share").string() + ":/usr/share").c_str(), 1);
+
+    const auto socket = box.root / "bus";
+    std::ofstream(box.root / "bus.conf") << "<busconfig><type>session</type><listen>unix:path=" << socket.string()
+                                         << "</listen><auth>EXTERNAL</auth><servicedir>"
+                                         << (prefix / "share" / "dbus-1" / "services").string()
+                                         << "</servicedir><policy context=\"default\"><allow send_destination=\"*\" eavesdrop=\"true\"/>"
+                                            "<allow eavesdrop=\"true\"/><allow own=\"*\"/></policy></busconfig>";
+    ::setenv("DBUS_SESSION_BUS_ADDRESS", ("unix:path=" + socket.string()).c_str(), 1);
+    // The bus's output holds what the host it starts writes.
+    Child bus("dbus-daemon --nofork --config-file='" + (box.root / "bus.conf").string() + "'", box.hostLogPath());
+    ASSERT_TRUE(waitFor([&] { return std::filesystem::exists(socket); }, 10s)) << box.hostLog();
+    const auto hostLog = [&] { return box.hostLog(); };
+    const auto status = [] {
+        return run("timeout 10 gdbus call --session --timeout 5 --dest app.meterwick.WidgetHost "
+                   "--object-path /app/meterwick/WidgetHost --method app.meterwick.WidgetHost.Status").out;
+    };
+    // The process that owns the host's name on the bus; 0 when none does.
+    const auto hostProcess = [] {
+        const auto owner = run("timeout 10 gdbus call --session --dest org.freedesktop.DBus --object-path "
+                               "/org/freedesktop/DBus --method org.freedesktop.DBus.GetConnectionUnixProcessID "
+                               "app.meterwick.WidgetHost").out;
+        const auto at = owner.find("uint32 ");
+        return at == std::string::npos ? 0 : std::atoi(owner.c_str() + at + 7);
+    };
+    std::optional<Child> portal;
+    struct StopHost {
+        std::function<int()> process;
+        ~StopHost() {
+            if (const int pid = process(); pid > 0) ::kill(pid, SIGTERM);
+        }
+    } stopHost{hostProcess};
+
+    // The menu entry.
+    const auto launched = run("gtk-launch app.meterwick.WidgetHost");
+    ASSERT_EQ(launched.status, 0) << launched.err;
+    ASSERT_TRUE(waitFor([] { return !x11Window("Add Widget").empty(); }, 30s)) << hostLog();
+    const auto gallery = x11Window("Add Widget");
+    EXPECT_NE(run("xprop -id " + gallery + " _NET_WM_WINDOW_TYPE").out.find("_NET_WM_WINDOW_TYPE_DIALOG"),
+              std::string::npos);
+    // The bus started the installed program as a service.
+    const auto process = "/proc/" + std::to_string(hostProcess());
+    std::error_code ec;
+    EXPECT_EQ(std::filesystem::read_symlink(process + "/exe", ec).string(), installedHost) << process;
+    EXPECT_NE(readFile(process + "/cmdline").find("--gapplication-service"), std::string::npos);
+    EXPECT_GT(windowLevel(gallery), 150) << "no portal yet: light";
+    screenshot("openbox", shots / "installed-gallery-light.png");
+
+    // The portal comes late and prefers dark.
+    portal.emplace("python3 '" MW_SETTINGS_PORTAL "' 1", box.root / "portal.log");
+    EXPECT_TRUE(waitFor([&] { return windowLevel(gallery) >= 0 && windowLevel(gallery) < 100; }, 15s))
+        << "the gallery follows the portal: " << windowLevel(gallery) << "\n" << readFile(box.root / "portal.log");
+    EXPECT_NE(status().find("'appearance': <'dark'>"), std::string::npos) << status();
+    screenshot("openbox", shots / "installed-gallery-dark.png");
+
+    // Enter adds the first widget, drawn dark.
+    run("xdotool windowfocus --sync " + gallery + " && xdotool key Return");
+    EXPECT_TRUE(waitFor([&] {
+        const auto shown = box.shown("focus-1");
+        return shown && shown->value("appearance", "") == "dark";
+    }, 20s)) << hostLog();
+    EXPECT_EQ(box.stored().size(), 1u);
+
+    // The preference changes back to light.
+    ::kill(portal->pid(), SIGUSR1);
+    EXPECT_TRUE(waitFor([&] {
+        const auto shown = box.shown("focus-1");
+        return shown && shown->value("appearance", "") == "light" && windowLevel(gallery) > 150;
+    }, 15s)) << status();
+    screenshot("openbox", shots / "installed-light-again.png");
+
+    // The desktop entry's action, as a dock launches it, and a link.
+    const auto reopens = [&](const std::string& command) {
+        run("xdotool windowfocus --sync " + x11Window("Add Widget") + " && xdotool key Escape");
+        if (!waitFor([] { return x11Window("Add Widget").empty(); }, 10s)) return ::testing::AssertionFailure() << "the gallery stays";
+        const auto ran = run(command);
+        if (ran.status != 0) return ::testing::AssertionFailure() << command << ": " << ran.err;
+        if (!waitFor([] { return !x11Window("Add Widget").empty(); }, 15s))
+            return ::testing::AssertionFailure() << command << " shows no gallery\n" << hostLog();
+        return ::testing::AssertionSuccess();
+    };
+    EXPECT_TRUE(reopens("python3 -c \"from gi.repository import Gio; "
+                        "Gio.DesktopAppInfo.new('app.meterwick.WidgetHost.desktop').launch_action('add-widget', None)\""));
+    EXPECT_TRUE(reopens("gio open meterwick://open"));
+}
+
 void inDesktop(const std::string& desktop) {
     if (const char* inside = std::getenv(kInsideVariable); inside != nullptr) {
         if (std::string(inside) == "sway-outputs")
             monitorsScenario();
+        else if (std::string(inside) == "openbox-installed")
+            installedScenario();
         else if (std::string_view(inside).ends_with("-first-run"))
             firstRunScenario(std::string(inside).substr(0, std::string_view(inside).find("-first-run")));
         else
@@ -346,9 +546,19 @@ void inDesktop(const std::string& desktop) {
     const auto shots = std::filesystem::current_path() / ("desktop-shots-" + desktop);
     std::filesystem::create_directories(shots);
     std::filesystem::permissions(shots, std::filesystem::perms::all);
-    const std::string session = desktop == "sway-outputs" ? "sway" : desktop.substr(0, desktop.find("-first-run"));
-    runThisTestInside("'" MW_DESKTOP_SESSION "' " + session,
-                      std::string(kInsideVariable) + "=" + desktop + " MW_DESKTOP_SHOTS='" + shots.string() + "'", 240s);
+    const std::string session = desktop == "sway-outputs" ? "sway" : desktop.substr(0, desktop.find('-'));
+    std::string assignments = std::string(kInsideVariable) + "=" + desktop + " MW_DESKTOP_SHOTS='" + shots.string() + "'";
+    if (desktop == "openbox-installed") {
+        // Installed as a user would, into a prefix of its own.
+        const auto prefix = std::filesystem::current_path() / "installed-prefix";
+        std::filesystem::remove_all(prefix);
+        const char* install = std::getenv("MW_INSTALL_COMMAND");
+        ASSERT_NE(install, nullptr) << "MW_INSTALL_COMMAND names the build's cmake --install";
+        const auto installed = run(std::string(install) + " --prefix '" + prefix.string() + "'");
+        ASSERT_EQ(installed.status, 0) << installed.out << installed.err;
+        assignments += " MW_INSTALLED_PREFIX='" + prefix.string() + "'";
+    }
+    runThisTestInside("'" MW_DESKTOP_SESSION "' " + session, assignments, 240s);
 }
 
 TEST(DesktopEndToEnd, Openbox) { inDesktop("openbox"); }
@@ -359,6 +569,7 @@ TEST(DesktopEndToEnd, Xfwm4) { inDesktop("xfwm4"); }
 TEST(DesktopEndToEnd, KWin) { inDesktop("kwin"); }
 TEST(DesktopEndToEnd, OpenboxFirstRun) { inDesktop("openbox-first-run"); }
 TEST(DesktopEndToEnd, SwayFirstRun) { inDesktop("sway-first-run"); }
+TEST(DesktopEndToEnd, OpenboxInstalled) { inDesktop("openbox-installed"); }
 
 }  // namespace
 }  // namespace mw

@@ -80,19 +80,21 @@ inline nlohmann::json readJSON(const std::filesystem::path& path) {
     return nlohmann::json::parse(readFile(path), nullptr, false);
 }
 
-// The desktop host as a child process, its output in LOG; ended with SIGTERM
-// (SIGKILL after ten seconds) at the latest when this goes out of scope.
-class Host {
+// A shell command run as a child process, its output in LOG; ended with
+// SIGTERM (SIGKILL after ten seconds) at the latest when this goes out of
+// scope.
+class Child {
   public:
-    explicit Host(const std::filesystem::path& log) {
-        const std::string command =
-            "exec env ASAN_OPTIONS=detect_leaks=0 '" MW_HOST_PATH "' >'" + log.string() + "' 2>&1";
-        const char* argv[] = {"sh", "-c", command.c_str(), nullptr};
+    Child(const std::string& command, const std::filesystem::path& log) {
+        const std::string line = "exec " + command + " >'" + log.string() + "' 2>&1";
+        const char* argv[] = {"sh", "-c", line.c_str(), nullptr};
         if (::posix_spawn(&pid_, "/bin/sh", nullptr, nullptr, const_cast<char**>(argv), environ) != 0) pid_ = -1;
     }
-    ~Host() { stop(); }
-    Host(const Host&) = delete;
-    Host& operator=(const Host&) = delete;
+    ~Child() { stop(); }
+    Child(const Child&) = delete;
+    Child& operator=(const Child&) = delete;
+
+    pid_t pid() const { return pid_; }
 
     bool started() const { return pid_ > 0; }
     // SIGTERM, then the exit status (or -1 when it had to be killed).
@@ -113,6 +115,13 @@ class Host {
   private:
     pid_t pid_ = -1;
     int status_ = -1;
+};
+
+// The desktop host as built, as a child process.
+class Host : public Child {
+  public:
+    explicit Host(const std::filesystem::path& log)
+        : Child("env ASAN_OPTIONS=detect_leaks=0 '" MW_HOST_PATH "'", log) {}
 };
 
 // A private home for one scenario, exported to the host and the commands
