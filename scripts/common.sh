@@ -17,6 +17,7 @@ MW_PACKAGES=(
   clang libclang-rt-14-dev
   python3-jsonschema
   at-spi2-core python3-pyatspi   # the accessibility end-to-end tests read the tree over AT-SPI
+  libgtk-3-bin python3-gi   # gtk-launch and a settings portal for the installed host's end-to-end test
   scdoc lintian appstream desktop-file-utils systemd dpkg-dev fakeroot
 )
 
