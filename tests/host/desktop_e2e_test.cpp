@@ -157,6 +157,9 @@ void scenario(const std::string& desktop) {
     EXPECT_TRUE(shownOn(desktop, box, accounts, moved, "dragged.png")) << desktop << "\n" << box.hostLog();
 }
 
+void swayClick(int x, int y, const std::string& button, int width);
+std::optional<std::array<int, 4>> swayWindow(const std::string& name);
+
 // sway with a second output to the right of the first: a widget placed on
 // it stands there (its layer surface on that output, its offset from that
 // output's corner), and one placed past the first output's edge is brought
@@ -202,6 +205,25 @@ void monitorsScenario() {
     const auto* dragged = findPlacement(widgets, focus.id);
     ASSERT_NE(dragged, nullptr);
     EXPECT_EQ(dragged->monitor, "HEADLESS-2");
+
+    // Edit Widget (titled by the widget's options, "Focus Tool") and its
+    // monitor row, its last, send it back to the first output at the same offset: the list opens with the current output over the
+    // row and the first one a row above.
+    const auto onFirst = [&] {
+        const auto now = box.stored();
+        const auto* placed = findPlacement(now, focus.id);
+        return placed != nullptr && placed->monitor && *placed->monitor == "HEADLESS-1";
+    };
+    swayClick(2020 + 100, 170 + 80, "right-press", 3200);
+    swayClick(2020 + 150, 170 + 97, "press", 3200);
+    ASSERT_TRUE(waitFor([] { return swayWindow("Focus Tool").has_value(); }, 10s)) << box.hostLog();
+    const auto edit = *swayWindow("Focus Tool");
+    const int rowX = edit[0] + 220, rowY = edit[1] + edit[3] - 71;
+    swayClick(rowX, rowY, "press", 3200);
+    screenshot("sway", std::filesystem::path(::getenv("MW_DESKTOP_SHOTS")) / "monitor-list.png");
+    swayClick(rowX, rowY - 30, "press", 3200);
+    EXPECT_TRUE(waitFor(onFirst, 10s)) << readFile(box.config / "meterwick" / kPlacementsFileName);
+    EXPECT_TRUE(shownOn("sway", box, focus, {200, 170}, "monitor-changed.png")) << box.hostLog();
 }
 
 // X11: the window with this title and role (a dialog and a widget may
@@ -237,11 +259,12 @@ bool overlaps(const PlacedWidget& a, const PlacedWidget& b) {
            a.position.y < b.position.y + sb.height && b.position.y < a.position.y + sa.height;
 }
 
-// sway: a click of the virtual pointer (BUTTON "press" or "right-press").
-void swayClick(int x, int y, const std::string& button = "press") {
+// sway: a click of the virtual pointer (BUTTON "press" or "right-press") on
+// a layout WIDTH points wide.
+void swayClick(int x, int y, const std::string& button = "press", int width = 1920) {
     const std::string release = button == "press" ? "release" : "right-release";
-    run("'" MW_VIRTUAL_POINTER "' 1920 1080 move " + std::to_string(x) + " " + std::to_string(y) + " wait 200 " +
-        button + " wait 50 " + release + " wait 300");
+    run("'" MW_VIRTUAL_POINTER "' " + std::to_string(width) + " 1080 move " + std::to_string(x) + " " +
+        std::to_string(y) + " wait 200 " + button + " wait 50 " + release + " wait 300");
 }
 
 // sway: where the window titled NAME is shown, its content's top-left
