@@ -55,10 +55,10 @@ BarFormat formatNamed(const std::string& name) {
 // Only the tool can be chosen: the bar has no style.
 IntentParameters barParameters(const std::vector<std::string>& assignments) {
     auto parsed = parseIntentParameters(FocusWidgetIntent::description(), assignments);
-    if (!parsed) throw UsageError("--set: " + parsed.error);
-    for (const auto& [name, value] : *parsed.value)
+    if (!parsed) throw UsageError("--set: " + parsed.error());
+    for (const auto& [name, value] : *parsed)
         if (name != "tool") throw UsageError("--set: the bar takes only tool=KEY, not \"" + name + "\"");
-    return *parsed.value;
+    return *parsed;
 }
 
 FocusEntry barEntry(const IntentParameters& parameters, const LoadResult& loaded, Date now) {

@@ -69,8 +69,8 @@ IntentParameters intentParametersFor(const WidgetDeclaration& widget, const std:
     for (const auto& assignment : assignments)
         if (!isValidUTF8(assignment)) throw UsageError("--set: \"" + assignment + "\" is not valid UTF-8 text");
     auto parsed = parseIntentParameters(*widget.intent, assignments);
-    if (!parsed) throw UsageError("--set: " + parsed.error);
-    return *parsed.value;
+    if (!parsed) throw UsageError("--set: " + parsed.error());
+    return *parsed;
 }
 
 CLI::Option* addSetOption(CLI::App& command, std::vector<std::string>& assignments) {

@@ -150,13 +150,13 @@ void readPlacements(DoctorFacts& facts) {
     auto decoded = decodePlacements(*text);
     if (!decoded) {
         facts.placementsStatus = "corrupt";
-        facts.placementsProblem = decoded.error;
+        facts.placementsProblem = decoded.error();
         return;
     }
     facts.placementsStatus = "ok";
-    for (const auto& placed : *decoded.value) {
+    for (const auto& placed : *decoded) {
         const auto resolved = resolvePlacement(placed);
-        facts.placed.push_back({placed.id, placed.kind, placed.family, resolved ? std::string() : resolved.error});
+        facts.placed.push_back({placed.id, placed.kind, placed.family, resolved ? std::string() : resolved.error()});
     }
 }
 

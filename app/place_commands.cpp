@@ -59,8 +59,8 @@ PlacedWidget& placementNamed(std::vector<PlacedWidget>& widgets, const std::stri
 
 WidgetPosition positionFrom(const std::string& text) {
     auto parsed = parsePosition(text);
-    if (!parsed) throw UsageError("--at: " + parsed.error);
-    return *parsed.value;
+    if (!parsed) throw UsageError("--at: " + parsed.error());
+    return *parsed;
 }
 
 // A monitor's identity as `list` shows it ("HDMI-A-1", "DELL U2720Q@1920,0");
@@ -76,7 +76,7 @@ std::optional<std::string> monitorFrom(const std::string& text) {
 
 nlohmann::ordered_json listed(const PlacedWidget& widget) {
     auto json = toJSON(widget);
-    if (const auto resolved = resolvePlacement(widget); !resolved) json["problem"] = resolved.error;
+    if (const auto resolved = resolvePlacement(widget); !resolved) json["problem"] = resolved.error();
     return json;
 }
 

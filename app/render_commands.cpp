@@ -173,15 +173,9 @@ void registerRenderCommands(CLI::App& app, const GlobalOptions& options) {
     renderCommand->callback([&options, renderArgs] {
         checkOutputPath(renderArgs->output);
         const auto list = laidOutEntry(options, *renderArgs);
-        // Drawn whole first, then put in place atomically: a full disk or a
-        // crash leaves the old file, and a link at the path is replaced
-        // rather than written through.
-        const auto appearance = appearanceFrom(renderArgs->appearance);
-        const auto extension = std::filesystem::path(renderArgs->output).extension();
-        const std::string bytes = extension == ".png"   ? render::renderPNG(list, {appearance, renderArgs->scale})
-                                  : extension == ".svg" ? render::renderSVG(list, appearance)
-                                                        : render::renderPDF(list, appearance);
-        writeOutput(renderArgs->output, bytes);
+        const render::PaintOptions paint{appearanceFrom(renderArgs->appearance), renderArgs->scale};
+        if (const auto written = render::writeFile(list, renderArgs->output, paint); !written)
+            throw std::runtime_error(written.error());
     });
 
     auto* describeCommand = app.add_subcommand("describe", drawingCommandDescription("describe"));

@@ -156,14 +156,13 @@ DashboardWidgetIntent intentFromParameters(const IntentParameters& parameters, c
     return {toolParameter(parameters, lists)};
 }
 
-Parsed<IntentParameters> parseIntentParameters(const IntentDescription& intent,
+Result<IntentParameters> parseIntentParameters(const IntentDescription& intent,
                                                const std::vector<std::string>& assignments) {
-    using Result = Parsed<IntentParameters>;
     IntentParameters out;
     for (const auto& assignment : assignments) {
         const auto equals = assignment.find('=');
         if (equals == std::string::npos || equals == 0)
-            return Result::failure("expected NAME=VALUE, got " + inQuotes(assignment));
+            return Failure{"expected NAME=VALUE, got " + inQuotes(assignment)};
         const std::string name = assignment.substr(0, equals);
         const std::string value = assignment.substr(equals + 1);
 
@@ -174,28 +173,27 @@ Parsed<IntentParameters> parseIntentParameters(const IntentDescription& intent,
             if (p.name == name) parameter = &p;
         }
         if (parameter == nullptr)
-            return Result::failure("unknown option " + inQuotes(name) + " for " + std::string(intent.title) +
-                                   "; accepted: " + joined(names));
-        if (out.contains(name)) return Result::failure("option " + inQuotes(name) + " is given more than once");
+            return Failure{"unknown option " + inQuotes(name) + " for " + std::string(intent.title) +
+                           "; accepted: " + joined(names)};
+        if (out.contains(name)) return Failure{"option " + inQuotes(name) + " is given more than once"};
 
         if (isEntity(parameter->type)) {
             if (value.empty())
-                return Result::failure("option " + inQuotes(name) + " needs a " +
-                                       std::string(typeDisplayName(parameter->type)) +
-                                       " identifier, for example " +
-                                       inQuotes(parameter->type == IntentParameterType::toolChoice ? kHighestUsageID
-                                                                                                 : kAllProvidersID));
+                return Failure{"option " + inQuotes(name) + " needs a " +
+                               std::string(typeDisplayName(parameter->type)) + " identifier, for example " +
+                               inQuotes(parameter->type == IntentParameterType::toolChoice ? kHighestUsageID
+                                                                                         : kAllProvidersID)};
         } else {
             const auto accepted = acceptedRawValues(parameter->type);
             bool known = false;
             for (const auto& raw : accepted) known = known || raw == value;
             if (!known)
-                return Result::failure("unknown value " + inQuotes(value) + " for " + inQuotes(name) +
-                                       "; accepted: " + joined(accepted));
+                return Failure{"unknown value " + inQuotes(value) + " for " + inQuotes(name) +
+                               "; accepted: " + joined(accepted)};
         }
         out.emplace(name, value);
     }
-    return Result::success(std::move(out));
+    return out;
 }
 
 }  // namespace mw

@@ -12,6 +12,7 @@
 
 #include "config/choices.hpp"
 #include "config/options.hpp"
+#include "platform/result.hpp"
 
 namespace mw {
 
@@ -101,28 +102,18 @@ SparklineWidgetIntent intentFromParameters(const IntentParameters& parameters, c
 template <>
 DashboardWidgetIntent intentFromParameters(const IntentParameters& parameters, const ChoiceLists& lists);
 
-// A value or a message saying what went wrong and what is accepted.
-template <class T>
-struct Parsed {
-    std::optional<T> value;
-    std::string error;
-
-    static Parsed success(T v) { return {std::move(v), {}}; }
-    static Parsed failure(std::string message) { return {std::nullopt, std::move(message)}; }
-    explicit operator bool() const { return value.has_value(); }
-};
-
 // Strictly parses "NAME=VALUE" assignments against an intent: every name must
 // be one of its parameters (given once), every enumeration value one of its
-// raw values, every entity identifier non-empty.
-Parsed<IntentParameters> parseIntentParameters(const IntentDescription& intent,
+// raw values, every entity identifier non-empty. A refusal says what went
+// wrong and what is accepted.
+Result<IntentParameters> parseIntentParameters(const IntentDescription& intent,
                                                const std::vector<std::string>& assignments);
 
 template <class Intent>
-Parsed<Intent> parseIntent(const std::vector<std::string>& assignments, const ChoiceLists& lists) {
-    auto parameters = parseIntentParameters(Intent::description(), assignments);
-    if (!parameters) return Parsed<Intent>::failure(std::move(parameters.error));
-    return Parsed<Intent>::success(intentFromParameters<Intent>(*parameters.value, lists));
+Result<Intent> parseIntent(const std::vector<std::string>& assignments, const ChoiceLists& lists) {
+    const auto parameters = parseIntentParameters(Intent::description(), assignments);
+    if (!parameters) return Failure{parameters.error()};
+    return intentFromParameters<Intent>(*parameters, lists);
 }
 
 }  // namespace mw

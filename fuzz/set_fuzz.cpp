@@ -41,10 +41,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!current.empty()) assignments.push_back(current);
 
     const auto parsed = mw::parseIntentParameters(intent, assignments);
-    MW_FUZZ_CHECK(parsed.value.has_value() == parsed.error.empty());
+    MW_FUZZ_CHECK(parsed.ok() == parsed.error().empty());
     if (!parsed) return 0;
-    MW_FUZZ_CHECK(parsed.value->size() == assignments.size());
-    for (const auto& assignment : *parsed.value) {
+    MW_FUZZ_CHECK(parsed->size() == assignments.size());
+    for (const auto& assignment : *parsed) {
         const auto& name = assignment.first;
         const bool known = std::any_of(intent.parameters.begin(), intent.parameters.end(),
                                        [&](const mw::IntentParameter& p) { return p.name == name; });

@@ -63,7 +63,7 @@ NewWidgetSpot newWidgetSpot(const std::vector<Monitor>& monitors, const std::opt
     for (const auto& placed : widgets) {
         const auto resolved = resolvePlacement(placed);
         if (!resolved) continue;
-        const auto other = widgetSize(resolved.value->family);
+        const auto other = widgetSize(resolved->family);
         const int w = static_cast<int>(std::ceil(other.width)), h = static_cast<int>(std::ceil(other.height));
         const auto shown = placeOnMonitor(monitors, placed.monitor, placed.position, w, h);
         if (shown.monitor == target) taken.push_back({shown.offset.x, shown.offset.y, w, h});

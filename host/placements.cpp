@@ -197,10 +197,9 @@ nlohmann::ordered_json unknownDocumentMembers(std::string_view json) {
     return unknownMembers(document, kDocumentMembers);
 }
 
-Parsed<std::vector<PlacedWidget>> decodePlacements(std::string_view json) {
-    using Result = Parsed<std::vector<PlacedWidget>>;
+Result<std::vector<PlacedWidget>> decodePlacements(std::string_view json) {
     const auto document = nlohmann::ordered_json::parse(json, nullptr, false);
-    if (document.is_discarded()) return Result::failure("not valid JSON");
+    if (document.is_discarded()) return Failure{"not valid JSON"};
     try {
         if (!document.is_object()) throw Fault{"the document must be an object"};
         if (const auto it = document.find("version"); it != document.end()) {
@@ -219,9 +218,9 @@ Parsed<std::vector<PlacedWidget>> decodePlacements(std::string_view json) {
             if (!ids.insert(widget.id).second) throw Fault{"the id " + inQuotes(widget.id) + " is used twice"};
             widgets.push_back(std::move(widget));
         }
-        return Result::success(std::move(widgets));
+        return widgets;
     } catch (const Fault& fault) {
-        return Result::failure(fault.message);
+        return Failure{fault.message};
     }
 }
 
@@ -245,12 +244,11 @@ PlacementsLoad readPlacements(const std::filesystem::path& file) {
         return load;
     }
     if (auto decoded = decodePlacements(read.bytes)) {
-        load.widgets = std::move(*decoded.value);
+        load.widgets = std::move(*decoded);
         load.unknown = unknownDocumentMembers(read.bytes);
-        return load;
     } else {
         load.status = PlacementsStatus::corrupt;
-        load.problem = decoded.error;
+        load.problem = decoded.error();
     }
     return load;
 }
@@ -284,17 +282,13 @@ bool savePlacements(const std::filesystem::path& file, const std::vector<PlacedW
     return writeFileAtomically(target, encodePlacements(widgets, documentUnknown));
 }
 
-std::optional<PlacementsLock> PlacementsLock::acquire(const std::filesystem::path& file,
-                                                      std::chrono::milliseconds patience, std::string& why) {
+Result<PlacementsLock> PlacementsLock::acquire(const std::filesystem::path& file, std::chrono::milliseconds patience) {
     std::error_code ec;
     std::filesystem::create_directories(file.parent_path(), ec);
     const auto lockFile = file.string() + kPlacementsLockSuffix;
     // O_NOFOLLOW: a link planted at the lock's name is not followed.
     const int fd = ::open(lockFile.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0644);
-    if (fd < 0) {
-        why = "cannot open the lock file " + lockFile;
-        return std::nullopt;
-    }
+    if (fd < 0) return Failure{"cannot open the lock file " + lockFile};
     // Polled rather than blocking, so a writer that hangs on to the lock
     // costs a message after `patience`, never a frozen program.
     const auto deadline = std::chrono::steady_clock::now() + patience;
@@ -303,14 +297,12 @@ std::optional<PlacementsLock> PlacementsLock::acquire(const std::filesystem::pat
         if (errno != EWOULDBLOCK && errno != EINTR) break;
         if (std::chrono::steady_clock::now() >= deadline) {
             ::close(fd);
-            why = "another program has kept " + lockFile + " locked for too long";
-            return std::nullopt;
+            return Failure{"another program has kept " + lockFile + " locked for too long"};
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
     ::close(fd);
-    why = "cannot lock " + lockFile;
-    return std::nullopt;
+    return Failure{"cannot lock " + lockFile};
 }
 
 PlacementsLock::PlacementsLock(PlacementsLock&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
@@ -331,12 +323,11 @@ PlacementsEdit modifyPlacements(const std::filesystem::path& file, Date now,
                                 const std::function<bool(std::vector<PlacedWidget>&)>& edit,
                                 std::chrono::milliseconds patience) {
     PlacementsEdit result;
-    std::string why;
-    const auto lock = PlacementsLock::acquire(file, patience, why);
+    const auto lock = PlacementsLock::acquire(file, patience);
     if (!lock) {
         result.load.status = PlacementsStatus::unreadable;
-        result.load.problem = why;
-        result.error = why;
+        result.load.problem = lock.error();
+        result.error = lock.error();
         return result;
     }
     result.load = readPlacements(file);
@@ -356,15 +347,14 @@ PlacementsEdit modifyPlacements(const std::filesystem::path& file, Date now,
     return result;
 }
 
-Parsed<ResolvedPlacement> resolvePlacement(const PlacedWidget& placed) {
-    using Result = Parsed<ResolvedPlacement>;
+Result<ResolvedPlacement> resolvePlacement(const PlacedWidget& placed) {
     const auto* widget = findWidget(placed.kind);
-    if (widget == nullptr) return Result::failure("unknown widget kind " + inQuotes(placed.kind));
+    if (widget == nullptr) return Failure{"unknown widget kind " + inQuotes(placed.kind)};
     const auto family = widgetFamilyFromRaw(placed.family);
-    if (!family) return Result::failure("unknown family " + inQuotes(placed.family));
+    if (!family) return Failure{"unknown family " + inQuotes(placed.family)};
     if (!supportsFamily(*widget, *family))
-        return Result::failure(std::string(widget->displayName) + " does not come in " + inQuotes(placed.family));
-    return Result::success({widget, *family});
+        return Failure{std::string(widget->displayName) + " does not come in " + inQuotes(placed.family)};
+    return ResolvedPlacement{widget, *family};
 }
 
 const PlacedWidget* findPlacement(const std::vector<PlacedWidget>& widgets, std::string_view id) {
@@ -397,9 +387,8 @@ WidgetPosition defaultPosition(const std::vector<PlacedWidget>& widgets) {
     }
 }
 
-Parsed<WidgetPosition> parsePosition(std::string_view text) {
-    using Result = Parsed<WidgetPosition>;
-    const auto failure = Result::failure("expected X,Y in whole points, such as 40,120; got " + inQuotes(text));
+Result<WidgetPosition> parsePosition(std::string_view text) {
+    const Failure failure{"expected X,Y in whole points, such as 40,120; got " + inQuotes(text)};
     const auto comma = text.find(',');
     if (comma == std::string_view::npos) return failure;
     const auto number = [](std::string_view part) -> std::optional<int> {
@@ -412,7 +401,7 @@ Parsed<WidgetPosition> parsePosition(std::string_view text) {
     const auto x = number(text.substr(0, comma));
     const auto y = number(text.substr(comma + 1));
     if (!x || !y) return failure;
-    return Result::success({*x, *y});
+    return WidgetPosition{*x, *y};
 }
 
 IntentParameters defaultParameters(const WidgetDeclaration& widget) {

@@ -27,6 +27,7 @@
 #include "config/intents.hpp"
 #include "platform/date.hpp"
 #include "platform/option_table.hpp"
+#include "platform/result.hpp"
 
 namespace mw {
 
@@ -85,7 +86,7 @@ std::string encodePlacements(const std::vector<PlacedWidget>& widgets,
 // Strict: any structural fault (wrong types, a missing id, kind or family,
 // duplicate ids, a newer format, an integer out of range) fails the whole
 // document with a message. `parameters`, `position` and `monitor` may be left out.
-Parsed<std::vector<PlacedWidget>> decodePlacements(std::string_view json);
+Result<std::vector<PlacedWidget>> decodePlacements(std::string_view json);
 // The document's members other than "version" and "widgets" (null when
 // none, or when the text is not a JSON object).
 nlohmann::ordered_json unknownDocumentMembers(std::string_view json);
@@ -137,10 +138,9 @@ bool savePlacements(const std::filesystem::path& file, const std::vector<PlacedW
 // An exclusive flock on "<file>.lock", released when destroyed.
 class PlacementsLock {
 public:
-    // Waits up to `patience` for another writer to finish; nothing when the
-    // lock could not be had (with the reason in `why`).
-    static std::optional<PlacementsLock> acquire(const std::filesystem::path& file,
-                                                 std::chrono::milliseconds patience, std::string& why);
+    // Waits up to `patience` for another writer to finish; the reason when
+    // the lock could not be had.
+    static Result<PlacementsLock> acquire(const std::filesystem::path& file, std::chrono::milliseconds patience);
     PlacementsLock(PlacementsLock&& other) noexcept;
     PlacementsLock& operator=(PlacementsLock&& other) noexcept;
     PlacementsLock(const PlacementsLock&) = delete;
@@ -179,7 +179,7 @@ struct ResolvedPlacement {
     WidgetFamily family = WidgetFamily::systemSmall;
     bool operator==(const ResolvedPlacement&) const = default;
 };
-Parsed<ResolvedPlacement> resolvePlacement(const PlacedWidget& placed);
+Result<ResolvedPlacement> resolvePlacement(const PlacedWidget& placed);
 
 // Editing helpers.
 const PlacedWidget* findPlacement(const std::vector<PlacedWidget>& widgets, std::string_view id);
@@ -188,7 +188,7 @@ std::string nextPlacementID(const std::vector<PlacedWidget>& widgets, const Widg
 // A free spot for a new widget: cascaded down and right from the others.
 WidgetPosition defaultPosition(const std::vector<PlacedWidget>& widgets);
 // "X,Y" with integers (negative allowed).
-Parsed<WidgetPosition> parsePosition(std::string_view text);
+Result<WidgetPosition> parsePosition(std::string_view text);
 // The intent's parameters that have a default, at their default; empty for
 // a static widget.
 IntentParameters defaultParameters(const WidgetDeclaration& widget);

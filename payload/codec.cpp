@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "payload/json_support.hpp"
+#include "platform/result.hpp"
 
 namespace mw {
 namespace {
@@ -58,21 +59,17 @@ private:
     std::string problem_;
 };
 
-// The document, or nothing when it is not JSON or nests too deep (then
-// `problem` says why, when asked).
-std::optional<Json> parseLimited(std::string_view bytes, std::string* problem = nullptr) {
+// The document, or why it is not JSON or nests too deep.
+Result<Json> parseLimited(std::string_view bytes) {
     Json root;
     DepthLimitedBuilder builder(root);
-    bool ok = false;
     try {
-        ok = Json::sax_parse(bytes.begin(), bytes.end(), &builder, nlohmann::json::input_format_t::json, true);
+        if (Json::sax_parse(bytes.begin(), bytes.end(), &builder, nlohmann::json::input_format_t::json, true))
+            return root;
     } catch (const nlohmann::json::exception& error) {
-        ok = false;
-        if (problem) *problem = error.what();
+        return Failure{error.what()};
     }
-    if (ok) return root;
-    if (problem && problem->empty()) *problem = builder.problem();
-    return std::nullopt;
+    return Failure{builder.problem()};
 }
 
 // What the widgets get when a root key is set aside.
@@ -130,9 +127,8 @@ std::optional<WidgetPayload> decodePayload(std::string_view bytes) {
 }
 
 PayloadReading readPayload(std::string_view bytes) {
-    std::string problem;
-    const auto parsed = parseLimited(bytes, &problem);
-    if (!parsed) return {std::nullopt, {{"", "not JSON: " + problem, kRefused}}};
+    const auto parsed = parseLimited(bytes);
+    if (!parsed) return {std::nullopt, {{"", "not JSON: " + parsed.error(), kRefused}}};
     if (!parsed->is_object())
         return {std::nullopt, {{"", "the root is " + json::kindOf(*parsed) + ", not an object", kRefused}}};
     PayloadReading reading;

@@ -497,14 +497,14 @@ std::set<std::string> HostApplication::syncPlacements() {
     for (const auto& placed : load.widgets) {
         const auto resolved = resolvePlacement(placed);
         if (!resolved) {
-            if (reportedPlacementProblems_.insert(placed.id + "\n" + resolved.error).second)
-                report("not showing \"" + placed.id + "\": " + resolved.error);
+            if (reportedPlacementProblems_.insert(placed.id + "\n" + resolved.error()).second)
+                report("not showing \"" + placed.id + "\": " + resolved.error());
             continue;
         }
         shown.insert(placed.id);
         if (const auto it = windows_.find(placed.id); it != windows_.end())
-            it->second->update(placed, *resolved.value);
-        else if (windows_.emplace(placed.id, makeWindow(placed, *resolved.value)).second)
+            it->second->update(placed, *resolved);
+        else if (windows_.emplace(placed.id, makeWindow(placed, *resolved)).second)
             created.insert(placed.id);
     }
     if (editDialog_ && !shown.contains(editing_)) editDialog_.reset();  // its widget went
@@ -711,7 +711,7 @@ void HostApplication::showEditDialog(const std::string& id) {
     editing_ = id;
     // A new dialog each time, with the widget's settings as they are now.
     editDialog_ = std::make_unique<EditWidgetDialog>(
-        *resolved.value->widget, WidgetSettingsValues{resolved.value->family, placed.parameters, monitor},
+        *resolved->widget, WidgetSettingsValues{resolved->family, placed.parameters, monitor},
         choiceLists_, monitors, dialogServices_,
         [this, id](SettingsField field, const std::string& name, const std::string& value) {
             switch (field) {

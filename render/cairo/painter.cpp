@@ -8,13 +8,13 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
 #include <cstring>
 #include <limits>
 #include <numbers>
 #include <utility>
 #include <vector>
 
+#include "platform/atomic_write.hpp"
 #include "render/cairo/engine.hpp"
 #include "render/cairo/images.hpp"
 #include "render/cairo/text.hpp"
@@ -619,7 +619,7 @@ std::string renderPDF(const DisplayList& list, Appearance appearance) {
     return out;
 }
 
-bool writeFile(const DisplayList& list, const std::string& path, const PaintOptions& options, std::string* error) {
+Result<void> writeFile(const DisplayList& list, const std::string& path, const PaintOptions& options) {
     std::string bytes;
     if (endsWith(path, ".png")) {
         bytes = renderPNG(list, options);
@@ -628,25 +628,11 @@ bool writeFile(const DisplayList& list, const std::string& path, const PaintOpti
     } else if (endsWith(path, ".pdf")) {
         bytes = renderPDF(list, options.appearance);
     } else {
-        if (error) *error = "unknown image type (use .png, .svg or .pdf): " + path;
-        return false;
+        return Failure{"unknown image type (use .png, .svg or .pdf): " + path};
     }
-    if (bytes.empty()) {
-        if (error) *error = "could not draw " + path;
-        return false;
-    }
-    std::FILE* f = std::fopen(path.c_str(), "wb");
-    if (!f) {
-        if (error) *error = "cannot write " + path;
-        return false;
-    }
-    const bool ok = std::fwrite(bytes.data(), 1, bytes.size(), f) == bytes.size();
-    const bool closed = std::fclose(f) == 0;
-    if (!(ok && closed)) {
-        if (error) *error = "cannot write " + path;
-        return false;
-    }
-    return true;
+    if (bytes.empty()) return Failure{"could not draw " + path};
+    if (!writeFileAtomically(path, bytes)) return Failure{"cannot write " + path};
+    return {};
 }
 
 }  // namespace mw::render

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "render/color.hpp"
+#include "platform/result.hpp"
 #include "render/display_list.hpp"
 
 namespace mw::render {
@@ -43,8 +44,9 @@ std::string renderPNG(const DisplayList& list, const PaintOptions& options = {})
 std::string renderSVG(const DisplayList& list, Appearance appearance = Appearance::light);
 std::string renderPDF(const DisplayList& list, Appearance appearance = Appearance::light);
 
-// Writes by the file's extension (.png, .svg, .pdf). False with a message in
-// `error` for an unknown extension or a failed write.
-bool writeFile(const DisplayList& list, const std::string& path, const PaintOptions& options, std::string* error = nullptr);
+// Draws the whole document first, by the file's extension (.png, .svg, .pdf),
+// then puts it in place atomically: a full disk or a crash leaves the old
+// file, and a link at the path is replaced rather than written through.
+Result<void> writeFile(const DisplayList& list, const std::string& path, const PaintOptions& options);
 
 }  // namespace mw::render

@@ -53,21 +53,21 @@ TEST(Intents, CreatedWithNoArgumentsHoldTheDefaults) {
 TEST(ParseIntent, ReadsRawValuesAndEntityIdentifiers) {
     const auto lists = choiceLists(payloadOf({tool("claude", 10, "work"), tool("codex")}));
     const auto focus = parseIntent<FocusWidgetIntent>({"tool=claude:work", "style=enhanced"}, lists);
-    ASSERT_TRUE(focus) << focus.error;
-    EXPECT_EQ(focus.value->tool, (WidgetToolChoice{"claude:work", "Claude \u00B7 work", "Cla"}));
-    EXPECT_EQ(focus.value->style, WidgetDetailStyle::enhanced);
+    ASSERT_TRUE(focus) << focus.error();
+    EXPECT_EQ(focus->tool, (WidgetToolChoice{"claude:work", "Claude \u00B7 work", "Cla"}));
+    EXPECT_EQ(focus->style, WidgetDetailStyle::enhanced);
 
     const auto gone = parseIntent<SparklineWidgetIntent>({"tool=cursor:old"}, lists);
     ASSERT_TRUE(gone);
-    EXPECT_EQ(gone.value->tool, (WidgetToolChoice{"cursor:old", "Cursor", "Cursor"}));
+    EXPECT_EQ(gone->tool, (WidgetToolChoice{"cursor:old", "Cursor", "Cursor"}));
 
     const auto limit = parseIntent<AccountsLimitWidgetIntent>(
         {"limit=fiveHour", "order=app", "provider=codex", "percent=used"}, lists);
-    ASSERT_TRUE(limit) << limit.error;
-    EXPECT_EQ(*limit.value, (AccountsLimitWidgetIntent{WidgetProviderChoice{"codex", "Codex"},
+    ASSERT_TRUE(limit) << limit.error();
+    EXPECT_EQ(*limit, (AccountsLimitWidgetIntent{WidgetProviderChoice{"codex", "Codex"},
                                                        WidgetLimitChoice::fiveHour, WidgetPercentChoice::used,
                                                        WidgetOrderChoice::app}));
-    EXPECT_EQ(parseIntent<DashboardWidgetIntent>({"tool=a=b"}, {}).value->tool->id, "a=b");  // first "=" splits
+    EXPECT_EQ(parseIntent<DashboardWidgetIntent>({"tool=a=b"}, {})->tool->id, "a=b");  // first "=" splits
 }
 
 TEST(ParseIntent, ErrorsNameWhatIsAccepted) {
@@ -87,10 +87,10 @@ TEST(ParseIntent, ErrorsNameWhatIsAccepted) {
     for (const auto& c : cases) {
         const auto parsed = parseIntent<FocusWidgetIntent>(c.assignments, {});
         EXPECT_FALSE(parsed) << c.expected;
-        EXPECT_NE(parsed.error.find(c.expected), std::string::npos) << parsed.error;
+        EXPECT_NE(parsed.error().find(c.expected), std::string::npos) << parsed.error();
     }
     const auto limit = parseIntent<AccountsLimitWidgetIntent>({"limit=5h"}, {});
-    EXPECT_NE(limit.error.find("accepted: weekly, fiveHour"), std::string::npos) << limit.error;
+    EXPECT_NE(limit.error().find("accepted: weekly, fiveHour"), std::string::npos) << limit.error();
 }
 
 TEST(IntentFromParameters, StoredValuesAnOlderBuildWroteAreLeftUnset) {

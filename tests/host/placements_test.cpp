@@ -176,7 +176,7 @@ TEST(PlacementsDecoding, RejectsStructuralFaultsWithAMessage) {
     for (const auto& c : cases) {
         const auto decoded = decodePlacements(c.json);
         EXPECT_FALSE(decoded) << c.json;
-        EXPECT_NE(decoded.error.find(c.message), std::string::npos) << c.json << " → " << decoded.error;
+        EXPECT_NE(decoded.error().find(c.message), std::string::npos) << c.json << " → " << decoded.error();
     }
 }
 
@@ -184,10 +184,10 @@ TEST(PlacementsDecoding, KeepsKindsAndFamiliesThisBuildDoesNotKnow) {
     const auto decoded = decodePlacements(
         R"({"widgets": [{"id": "w", "kind": "MeterwickFuture", "family": "systemHuge", "extra": true}]})");
     ASSERT_TRUE(decoded);
-    EXPECT_EQ(*decoded.value, (std::vector<PlacedWidget>{
+    EXPECT_EQ(*decoded, (std::vector<PlacedWidget>{
                                   {"w", "MeterwickFuture", "systemHuge", {}, {0, 0}, {{"extra", true}}}}));
     // …and writes them back unchanged.
-    EXPECT_EQ(decodePlacements(encodePlacements(*decoded.value)).value, decoded.value);
+    EXPECT_EQ(decodePlacements(encodePlacements(*decoded)).value(), *decoded);
 }
 
 TEST(ResolvePlacement, NamesTheWidgetAndFamilyOrSaysWhyNot) {
@@ -196,13 +196,13 @@ TEST(ResolvePlacement, NamesTheWidgetAndFamilyOrSaysWhyNot) {
     };
     const auto focus = resolve("MeterwickFocus", "systemSmall");
     ASSERT_TRUE(focus);
-    EXPECT_EQ(focus.value->widget->kindWord, "focus");
-    EXPECT_EQ(focus.value->family, WidgetFamily::systemSmall);
+    EXPECT_EQ(focus->widget->kindWord, "focus");
+    EXPECT_EQ(focus->family, WidgetFamily::systemSmall);
     EXPECT_TRUE(resolve("dashboard", "systemExtraLarge")) << "a kind word is accepted too";
 
     EXPECT_FALSE(resolve("MeterwickFuture", "systemSmall"));
-    EXPECT_NE(resolve("MeterwickFocus", "systemHuge").error.find("unknown family"), std::string::npos);
-    EXPECT_NE(resolve("MeterwickFocus", "systemLarge").error.find("Tool Focus does not come in \"systemLarge\""),
+    EXPECT_NE(resolve("MeterwickFocus", "systemHuge").error().find("unknown family"), std::string::npos);
+    EXPECT_NE(resolve("MeterwickFocus", "systemLarge").error().find("Tool Focus does not come in \"systemLarge\""),
               std::string::npos);
 }
 
@@ -228,12 +228,12 @@ TEST(PlacementEditing, DefaultPositionsCascadePastTakenSpots) {
 }
 
 TEST(PlacementEditing, ParsesPositions) {
-    EXPECT_EQ(parsePosition("40,120").value, (WidgetPosition{40, 120}));
-    EXPECT_EQ(parsePosition("-10,0").value, (WidgetPosition{-10, 0}));
+    EXPECT_EQ(parsePosition("40,120").value(), (WidgetPosition{40, 120}));
+    EXPECT_EQ(parsePosition("-10,0").value(), (WidgetPosition{-10, 0}));
     for (const char* bad : {"", "40", "40,", ",1", "1.5,2", "a,b", "1,2,3", "999999999,1"}) {
         const auto parsed = parsePosition(bad);
         EXPECT_FALSE(parsed) << bad;
-        EXPECT_NE(parsed.error.find("X,Y"), std::string::npos) << bad;
+        EXPECT_NE(parsed.error().find("X,Y"), std::string::npos) << bad;
     }
 }
 
@@ -268,15 +268,15 @@ TEST(PlacementsModify, AHeldLockDelaysThenRefusesWithoutTouchingTheFile) {
     const TempDir dir;
     const auto file = dir / "widgets.json";
     ASSERT_TRUE(savePlacements(file, threeWidgets()));
-    std::string why;
-    auto held = PlacementsLock::acquire(file, std::chrono::milliseconds(0), why);
-    ASSERT_TRUE(held) << why;
-    const auto edit = modifyPlacements(
-        file, kNow, [](auto& widgets) { return widgets.clear(), true; }, std::chrono::milliseconds(50));
-    EXPECT_FALSE(edit.saved);
-    EXPECT_NE(edit.error.find("locked"), std::string::npos) << edit.error;
-    EXPECT_EQ(readPlacements(file).widgets, threeWidgets());
-    held.reset();
+    {
+        const auto held = PlacementsLock::acquire(file, std::chrono::milliseconds(0));
+        ASSERT_TRUE(held) << held.error();
+        const auto edit = modifyPlacements(
+            file, kNow, [](auto& widgets) { return widgets.clear(), true; }, std::chrono::milliseconds(50));
+        EXPECT_FALSE(edit.saved);
+        EXPECT_NE(edit.error.find("locked"), std::string::npos) << edit.error;
+        EXPECT_EQ(readPlacements(file).widgets, threeWidgets());
+    }
     EXPECT_TRUE(modifyPlacements(file, kNow, [](auto& widgets) { return widgets.clear(), true; }).saved);
 }
 
@@ -322,8 +322,7 @@ TEST(PlacementsModify, AnEditThatThrowsOrChangesNothingLeavesTheFileAlone) {
                  std::runtime_error);
     EXPECT_FALSE(modifyPlacements(file, kNow, [](auto&) { return false; }).changed);
     EXPECT_EQ(readFile(file), "not json") << "a bad file is moved aside only when it is about to be replaced";
-    std::string why;
-    EXPECT_TRUE(PlacementsLock::acquire(file, std::chrono::milliseconds(0), why)) << "the lock was released";
+    EXPECT_TRUE(PlacementsLock::acquire(file, std::chrono::milliseconds(0))) << "the lock was released";
 }
 
 }  // namespace

@@ -112,9 +112,7 @@ TEST(Painter, SvgAndPdfDocuments) {
     const std::string png = renderPNG(list);
     EXPECT_TRUE(png.starts_with("\x89PNG\r\n\x1a\n"));
 
-    std::string error;
-    EXPECT_FALSE(writeFile(list, "/tmp/x.gif", {}, &error));
-    EXPECT_NE(error.find("unknown"), std::string::npos);
+    EXPECT_NE(writeFile(list, "/tmp/x.gif", {}).error().find("unknown"), std::string::npos);
 }
 
 // ---------------------------------------------------------------- snapshots
