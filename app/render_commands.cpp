@@ -81,8 +81,11 @@ void checkOutputPath(const std::string& path) {
 }
 
 // Writes bytes atomically; a failure is reported like bad input would be.
-void writeOutput(const std::filesystem::path& path, const std::string& bytes) {
-    if (!writeFileAtomically(path, bytes)) throw std::runtime_error("cannot write " + path.string());
+// Drawings are not flushed to disk: each is drawn again from the payload at
+// any time, the rename still shows readers the old file or the new one, and
+// a flush per image was most of a gallery's time on a busy disk.
+void writeOutput(const std::filesystem::path& path, const std::string& bytes, Flush flush = Flush::toDisk) {
+    if (!writeFileAtomically(path, bytes, flush)) throw std::runtime_error("cannot write " + path.string());
 }
 
 struct GalleryItem {
@@ -99,6 +102,7 @@ std::vector<GalleryItem> drawGallery(const ProviderContext& context, const std::
         IntentParameters parameters;
     };
     std::vector<GalleryItem> items;
+    render::ImageWorkspace workspace;
     for (const auto& widget : widgetDeclarations()) {
         std::vector<Variant> variants{{"", {}}};
         if (widget.kindWord == "focus") variants.push_back({"-enhanced", {{"style", "enhanced"}}});
@@ -110,7 +114,7 @@ std::vector<GalleryItem> drawGallery(const ProviderContext& context, const std::
                     const std::string file = std::string(widget.kindWord) + variant.suffix + "-" +
                                              std::string(rawValue(family)) + "-" +
                                              std::string(render::appearanceName(appearance)) + ".png";
-                    writeOutput(dir / file, render::renderPNG(list, {appearance, 2}));
+                    writeOutput(dir / file, render::renderPNG(list, {appearance, 2}, workspace), Flush::unflushed);
                     items.push_back({file, std::string(widget.displayName) + variant.suffix + " · " +
                                                std::string(rawValue(family)) + " · " +
                                                std::string(render::appearanceName(appearance))});
@@ -147,7 +151,7 @@ void writeIndex(const std::filesystem::path& dir, const std::vector<GalleryItem>
     for (const auto& item : items)
         html += "<figure><img src=\"" + htmlEscaped(item.file) + "\" alt=\"" + htmlEscaped(item.title) +
                 "\"><figcaption>" + htmlEscaped(item.title) + "</figcaption></figure>\n";
-    writeOutput(dir / "index.html", html);
+    writeOutput(dir / "index.html", html, Flush::unflushed);
     std::cout << (dir / "index.html").string() << '\n';
 }
 

@@ -2,8 +2,6 @@
 
 #include <cairo-pdf.h>
 #include <cairo-svg.h>
-#include <libdeflate.h>
-#include <sys/mman.h>
 
 #include <algorithm>
 #include <array>
@@ -375,36 +373,6 @@ cairo_status_t appendToString(void* closure, const unsigned char* data, unsigned
     return CAIRO_STATUS_SUCCESS;
 }
 
-// One row of premultiplied ARGB32 pixels as straight RGBA, run through PNG's
-// Sub filter (each byte minus the one a pixel to its left), filter byte
-// first. Division by alpha is a multiplication by a 16.16 reciprocal.
-void unpremultiplySubFiltered(const std::uint32_t* source, std::size_t width, unsigned char* row) {
-    static const auto reciprocal = [] {
-        std::array<std::uint32_t, 256> t{};
-        for (unsigned a = 1; a < 256; ++a) t[a] = (255u * 65536u + a / 2) / a;
-        return t;
-    }();
-    *row++ = 1;  // Sub
-    unsigned char previous[4] = {0, 0, 0, 0};
-    for (std::size_t x = 0; x < width; ++x, row += 4) {
-        const std::uint32_t p = source[x];
-        const std::uint32_t a = p >> 24;
-        std::uint32_t r = (p >> 16) & 0xFF, g = (p >> 8) & 0xFF, b = p & 0xFF;
-        if (a != 255 && a != 0) {
-            const std::uint32_t k = reciprocal[a];
-            r = std::min<std::uint32_t>(255, (r * k + 32768) >> 16);
-            g = std::min<std::uint32_t>(255, (g * k + 32768) >> 16);
-            b = std::min<std::uint32_t>(255, (b * k + 32768) >> 16);
-        }
-        const unsigned char straight[4] = {static_cast<unsigned char>(r), static_cast<unsigned char>(g),
-                                           static_cast<unsigned char>(b), static_cast<unsigned char>(a)};
-        for (int c = 0; c < 4; ++c) {
-            row[c] = static_cast<unsigned char>(straight[c] - previous[c]);
-            previous[c] = straight[c];
-        }
-    }
-}
-
 bool endsWith(const std::string& s, const char* suffix) {
     const std::string_view sv(suffix);
     if (s.size() < sv.size()) return false;
@@ -469,128 +437,38 @@ void paint(cairo_t* cr, const DisplayList& list, Appearance appearance) {
 
 namespace {
 
-void unmapPixels(void* mapping) {
-    const auto* m = static_cast<const std::pair<void*, std::size_t>*>(mapping);
-    ::munmap(m->first, m->second);
-    delete m;
-}
-
-}  // namespace
-
-// A transparent ARGB32 surface whose pages are all mapped up front: painting
-// a fresh 2 MB image would otherwise take a page fault per 4 KB on the way.
-// Anonymous pages come zeroed, so nothing needs clearing.
-SurfacePtr prefaultedImage(int width, int height) {
-    const int stride = cairo_format_stride_for_width(CAIRO_FORMAT_ARGB32, width);
-    const std::size_t size = static_cast<std::size_t>(stride) * static_cast<std::size_t>(height);
-    void* pixels = stride > 0 ? ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_POPULATE,
-                                       -1, 0)
-                              : MAP_FAILED;
-    if (pixels == MAP_FAILED) return SurfacePtr(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height));
-    SurfacePtr surface(cairo_image_surface_create_for_data(static_cast<unsigned char*>(pixels), CAIRO_FORMAT_ARGB32,
-                                                           width, height, stride));
-    static const cairo_user_data_key_t key{};
-    auto* mapping = new std::pair<void*, std::size_t>(pixels, size);
-    if (cairo_surface_set_user_data(surface.get(), &key, mapping, unmapPixels) != CAIRO_STATUS_SUCCESS) {
-        // The surface cannot own the mapping: drop both, take an ordinary one.
-        surface.reset();
-        unmapPixels(mapping);
-        return SurfacePtr(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height));
-    }
-    return surface;
-}
-
-SurfacePtr paintToImage(const DisplayList& list, const PaintOptions& options) {
-    const double scale = options.scale > 0 ? options.scale : 1;
-    const int w = std::max(1, static_cast<int>(std::ceil(list.size.width * scale - 1e-6)));
-    const int h = std::max(1, static_cast<int>(std::ceil(list.size.height * scale - 1e-6)));
-    SurfacePtr surface = prefaultedImage(w, h);
+SurfacePtr paintInto(SurfacePtr surface, const DisplayList& list, double scale, Appearance appearance) {
     cairo_t* cr = cairo_create(surface.get());
     cairo_scale(cr, scale, scale);
-    paint(cr, list, options.appearance);
+    paint(cr, list, appearance);
     cairo_destroy(cr);
     cairo_surface_flush(surface.get());
     return surface;
 }
 
-std::string encodePNG(cairo_surface_t* image) {
-    if (!image || cairo_surface_get_type(image) != CAIRO_SURFACE_TYPE_IMAGE ||
-        cairo_image_surface_get_format(image) != CAIRO_FORMAT_ARGB32) {
-        return {};
-    }
-    cairo_surface_flush(image);
-    const auto w = static_cast<std::size_t>(cairo_image_surface_get_width(image));
-    const auto h = static_cast<std::size_t>(cairo_image_surface_get_height(image));
-    const int stride = cairo_image_surface_get_stride(image);
-    const unsigned char* data = cairo_image_surface_get_data(image);
-    if (w == 0 || h == 0 || data == nullptr) return {};
+double pixelsPerPoint(const PaintOptions& options) { return options.scale > 0 ? options.scale : 1; }
 
-    // The image data as PNG wants it before deflate: each row a filter byte
-    // then straight RGBA. Every byte is written, so the buffer is not cleared.
-    const std::size_t rowBytes = 1 + 4 * w;
-    const std::size_t filteredSize = rowBytes * h;
-    const std::unique_ptr<unsigned char[]> filtered(new unsigned char[filteredSize]);
-    for (std::size_t y = 0; y < h; ++y)
-        unpremultiplySubFiltered(reinterpret_cast<const std::uint32_t*>(data + static_cast<std::ptrdiff_t>(y) * stride),
-                                 w, filtered.get() + y * rowBytes);
+int pixels(double points, double scale) { return std::max(1, static_cast<int>(std::ceil(points * scale - 1e-6))); }
 
-    // Level 1 after the Sub filter: flat widget artwork (long runs of one
-    // colour) compresses well even at libdeflate's fastest setting.
-    libdeflate_compressor* compressor = libdeflate_alloc_compressor(1);
-    if (compressor == nullptr) return {};
-    const std::size_t bound = libdeflate_zlib_compress_bound(compressor, filteredSize);
+}  // namespace
 
-    std::string out;
-    out.resize(8 + (8 + 13 + 4) + (8 + bound + 4) + (8 + 4));
-    auto* bytes = reinterpret_cast<unsigned char*>(out.data());
-    std::size_t at = 0;
-    const auto put = [&](const void* source, std::size_t n) {
-        std::memcpy(bytes + at, source, n);
-        at += n;
-    };
-    const auto put32 = [&](std::uint32_t v) {
-        const unsigned char b[4] = {static_cast<unsigned char>(v >> 24), static_cast<unsigned char>(v >> 16),
-                                    static_cast<unsigned char>(v >> 8), static_cast<unsigned char>(v)};
-        put(b, 4);
-    };
-    // A chunk is length, type, data and the CRC of type and data; `fill`
-    // writes the data at `at` and returns its length.
-    const auto chunk = [&](const char* type, auto fill) {
-        const std::size_t lengthAt = at;
-        at += 4;
-        put(type, 4);
-        const std::size_t length = fill();
-        const std::size_t dataEnd = at;
-        at = lengthAt;
-        put32(static_cast<std::uint32_t>(length));
-        at = dataEnd;
-        put32(libdeflate_crc32(0, bytes + lengthAt + 4, length + 4));
-    };
-    put("\x89PNG\r\n\x1a\n", 8);
-    chunk("IHDR", [&] {
-        put32(static_cast<std::uint32_t>(w));
-        put32(static_cast<std::uint32_t>(h));
-        const unsigned char rest[5] = {8, 6, 0, 0, 0};  // 8 bits, RGBA, deflate, adaptive filters, no interlace
-        put(rest, 5);
-        return std::size_t{13};
-    });
-    bool compressed = true;
-    chunk("IDAT", [&] {
-        const std::size_t n = libdeflate_zlib_compress(compressor, filtered.get(), filteredSize, bytes + at, bound);
-        compressed = n > 0;
-        at += n;
-        return n;
-    });
-    chunk("IEND", [] { return std::size_t{0}; });
-    libdeflate_free_compressor(compressor);
-    if (!compressed) return {};
-    out.resize(at);
-    return out;
+SurfacePtr paintToImage(const DisplayList& list, const PaintOptions& options) {
+    const double scale = pixelsPerPoint(options);
+    return paintInto(prefaultedImage(pixels(list.size.width, scale), pixels(list.size.height, scale)), list, scale,
+                     options.appearance);
+}
+
+std::string renderPNG(const DisplayList& list, const PaintOptions& options, ImageWorkspace& workspace) {
+    const double scale = pixelsPerPoint(options);
+    const SurfacePtr surface =
+        paintInto(workspace.image(pixels(list.size.width, scale), pixels(list.size.height, scale)), list, scale,
+                  options.appearance);
+    return workspace.encodePNG(surface.get());
 }
 
 std::string renderPNG(const DisplayList& list, const PaintOptions& options) {
-    SurfacePtr surface = paintToImage(list, options);
-    return encodePNG(surface.get());
+    ImageWorkspace workspace;
+    return renderPNG(list, options, workspace);
 }
 
 std::string renderSVG(const DisplayList& list, Appearance appearance) {
@@ -631,7 +509,9 @@ Result<void> writeFile(const DisplayList& list, const std::string& path, const P
         return Failure{"unknown image type (use .png, .svg or .pdf): " + path};
     }
     if (bytes.empty()) return Failure{"could not draw " + path};
-    if (!writeFileAtomically(path, bytes)) return Failure{"cannot write " + path};
+    // Not flushed to disk: a drawing is drawn again from the payload at any
+    // time, and the rename still shows readers the old file or the new one.
+    if (!writeFileAtomically(path, bytes, Flush::unflushed)) return Failure{"cannot write " + path};
     return {};
 }
 

@@ -8,6 +8,8 @@
 #include <memory>
 #include <string>
 
+#include "render/cairo/png.hpp"
+
 #include "render/color.hpp"
 #include "platform/result.hpp"
 #include "render/display_list.hpp"
@@ -23,24 +25,13 @@ struct PaintOptions {
 // `cr` first. The context's state is restored afterwards.
 void paint(cairo_t* cr, const DisplayList& list, Appearance appearance);
 
-struct SurfaceDeleter {
-    void operator()(cairo_surface_t* s) const { cairo_surface_destroy(s); }
-};
-using SurfacePtr = std::unique_ptr<cairo_surface_t, SurfaceDeleter>;
-
 // An ARGB32 image of size × scale pixels (rounded up), transparent where nothing is drawn.
 SurfacePtr paintToImage(const DisplayList& list, const PaintOptions& options = {});
 
-// A transparent ARGB32 image of WIDTH × HEIGHT pixels, its memory touched
-// in advance so that painting takes no page faults.
-SurfacePtr prefaultedImage(int width, int height);
-
-// PNG bytes of an image surface (libdeflate, fastest level: these images are
-// small and written often).
-std::string encodePNG(cairo_surface_t* image);
-
 // Whole documents as bytes.
 std::string renderPNG(const DisplayList& list, const PaintOptions& options = {});
+// The same bytes, drawn and encoded in WORKSPACE's memory (for many images in a row).
+std::string renderPNG(const DisplayList& list, const PaintOptions& options, ImageWorkspace& workspace);
 std::string renderSVG(const DisplayList& list, Appearance appearance = Appearance::light);
 std::string renderPDF(const DisplayList& list, Appearance appearance = Appearance::light);
 
