@@ -1,10 +1,12 @@
 // render, describe, gallery, demo: the widgets drawn from their timelines.
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <iostream>
 #include <memory>
 #include <CLI/CLI.hpp>
@@ -93,6 +95,55 @@ struct GalleryItem {
     std::string title;
 };
 
+// Writes a gallery's images on a second thread while the next is laid out and
+// painted: encoding takes about as long as painting. Two workspaces take
+// turns, so an image is painted while the one before it is encoded; the
+// encoder touches nothing but its own image's pixels, so the bytes are those
+// of drawing and encoding one after the other. Paths are printed in gallery
+// order once their file is in place.
+class GalleryWriter {
+public:
+    GalleryWriter() = default;
+    GalleryWriter(const GalleryWriter&) = delete;
+    GalleryWriter& operator=(const GalleryWriter&) = delete;
+    ~GalleryWriter() {
+        for (auto& turn : turns_)
+            if (turn.written.valid()) turn.written.wait();
+    }
+
+    void write(const render::DisplayList& list, const render::PaintOptions& options, std::filesystem::path path) {
+        Turn& turn = turns_[next_++ % turns_.size()];
+        finish(turn);
+        auto image = std::make_shared<render::SurfacePtr>(render::paintToImage(list, options, turn.workspace));
+        turn.path = std::move(path);
+        turn.written = std::async(std::launch::async, [&turn, image] {
+            writeOutput(turn.path, turn.workspace.encodePNG(image->get()), Flush::unflushed);
+            image->reset();
+        });
+    }
+
+    // Waits for the files still being written, in order; rethrows a failed write.
+    void finishAll() {
+        for (std::size_t i = 0; i < turns_.size(); ++i) finish(turns_[(next_ + i) % turns_.size()]);
+    }
+
+private:
+    struct Turn {
+        render::ImageWorkspace workspace;
+        std::filesystem::path path;
+        std::future<void> written;
+    };
+
+    static void finish(Turn& turn) {
+        if (!turn.written.valid()) return;
+        turn.written.get();
+        std::cout << turn.path.string() << '\n';
+    }
+
+    std::array<Turn, 2> turns_;
+    std::size_t next_ = 0;
+};
+
 // Every widget in every family, light and dark, plus the enhanced Focus
 // card; returns the files written, in gallery order.
 std::vector<GalleryItem> drawGallery(const ProviderContext& context, const std::filesystem::path& dir) {
@@ -102,7 +153,7 @@ std::vector<GalleryItem> drawGallery(const ProviderContext& context, const std::
         IntentParameters parameters;
     };
     std::vector<GalleryItem> items;
-    render::ImageWorkspace workspace;
+    GalleryWriter writer;
     for (const auto& widget : widgetDeclarations()) {
         std::vector<Variant> variants{{"", {}}};
         if (widget.kindWord == "focus") variants.push_back({"-enhanced", {{"style", "enhanced"}}});
@@ -114,15 +165,15 @@ std::vector<GalleryItem> drawGallery(const ProviderContext& context, const std::
                     const std::string file = std::string(widget.kindWord) + variant.suffix + "-" +
                                              std::string(rawValue(family)) + "-" +
                                              std::string(render::appearanceName(appearance)) + ".png";
-                    writeOutput(dir / file, render::renderPNG(list, {appearance, 2}, workspace), Flush::unflushed);
+                    writer.write(list, {appearance, 2}, dir / file);
                     items.push_back({file, std::string(widget.displayName) + variant.suffix + " · " +
                                                std::string(rawValue(family)) + " · " +
                                                std::string(render::appearanceName(appearance))});
-                    std::cout << (dir / file).string() << '\n';
                 }
             }
         }
     }
+    writer.finishAll();
     return items;
 }
 

@@ -458,11 +458,14 @@ SurfacePtr paintToImage(const DisplayList& list, const PaintOptions& options) {
                      options.appearance);
 }
 
-std::string renderPNG(const DisplayList& list, const PaintOptions& options, ImageWorkspace& workspace) {
+SurfacePtr paintToImage(const DisplayList& list, const PaintOptions& options, ImageWorkspace& workspace) {
     const double scale = pixelsPerPoint(options);
-    const SurfacePtr surface =
-        paintInto(workspace.image(pixels(list.size.width, scale), pixels(list.size.height, scale)), list, scale,
-                  options.appearance);
+    return paintInto(workspace.image(pixels(list.size.width, scale), pixels(list.size.height, scale)), list, scale,
+                     options.appearance);
+}
+
+std::string renderPNG(const DisplayList& list, const PaintOptions& options, ImageWorkspace& workspace) {
+    const SurfacePtr surface = paintToImage(list, options, workspace);
     return workspace.encodePNG(surface.get());
 }
 

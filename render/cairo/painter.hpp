@@ -27,6 +27,8 @@ void paint(cairo_t* cr, const DisplayList& list, Appearance appearance);
 
 // An ARGB32 image of size × scale pixels (rounded up), transparent where nothing is drawn.
 SurfacePtr paintToImage(const DisplayList& list, const PaintOptions& options = {});
+// The same image in WORKSPACE's memory, valid until the workspace's next image.
+SurfacePtr paintToImage(const DisplayList& list, const PaintOptions& options, ImageWorkspace& workspace);
 
 // Whole documents as bytes.
 std::string renderPNG(const DisplayList& list, const PaintOptions& options = {});
