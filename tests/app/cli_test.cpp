@@ -190,6 +190,31 @@ TEST(Cli, DrawingCommandsAnswerUnderTheSameName) {
         EXPECT_NE(overview.out.find(command), std::string::npos) << command;
 }
 
+// The gallery paints one image while the one before is encoded on another
+// thread, in memory reused from image to image: each file must still be the
+// one a render of its own gives, whether drawn first, after a larger image or
+// after a smaller one.
+TEST(Cli, GalleryImagesAreTheImagesRenderDraws) {
+    const TempDir dir;
+    const std::string now = "--now 2025-01-31T14:05:00Z ";
+    const auto demo = run(now + "demo --output '" + (dir / "demo").string() + "'");
+    ASSERT_EQ(demo.status, 0) << demo.err;
+    const auto container = "--container '" + (dir / "demo/container").string() + "' ";
+    struct Case {
+        const char* arguments;
+        const char* file;
+    };
+    for (const auto& c : {Case{"focus --family systemSmall", "focus-systemSmall-light.png"},
+                          Case{"accounts --family systemLarge --appearance dark", "accounts-systemLarge-dark.png"},
+                          Case{"sparkline --family systemMedium", "sparkline-systemMedium-light.png"}}) {
+        const auto png = dir / "render.png";
+        const auto drawn = run(now + container + "render " + c.arguments + " --output '" + png.string() + "'");
+        ASSERT_EQ(drawn.status, 0) << drawn.err;
+        EXPECT_EQ(testing::readFile(png), testing::readFile(dir / "demo" / c.file)) << c.file;
+    }
+    EXPECT_NE(demo.out.find("sparkline-systemMedium-dark.png\n"), std::string::npos) << demo.out;
+}
+
 // check: the account list explained, and the exit status a script can test.
 TEST(Cli, CheckExplainsLeftOutToolsAndExitsByWhatItFound) {
     const TempDir container;

@@ -61,6 +61,26 @@ TEST(Png, DecodesToThePaintedPixels) {
     }
 }
 
+// Memory kept from image to image is cleared for the next, whatever its size,
+// and encodes to the bytes a one-off encoding gives.
+TEST(Png, AWorkspaceGivesWhatFreshImagesGive) {
+    ImageWorkspace workspace;
+    const int sizes[][2] = {{333, 5}, {7, 3}, {400, 9}};
+    for (const auto [width, height] : sizes) {
+        SurfacePtr fresh = prefaultedImage(width, height);
+        SurfacePtr reused = workspace.image(width, height);
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                ASSERT_EQ(pixel(reused.get(), x, y), 0u) << width << " at " << x << "," << y;
+                pixel(fresh.get(), x, y) = pixel(reused.get(), x, y) = 0x80402010u + static_cast<unsigned>(x % 5 + y);
+            }
+        }
+        cairo_surface_mark_dirty(fresh.get());
+        cairo_surface_mark_dirty(reused.get());
+        EXPECT_EQ(workspace.encodePNG(reused.get()), encodePNG(fresh.get())) << width;
+    }
+}
+
 TEST(Png, PrefaultedImagesStartClearAndRefuseOtherSurfaces) {
     SurfacePtr image = prefaultedImage(40, 3);
     ASSERT_EQ(cairo_image_surface_get_format(image.get()), CAIRO_FORMAT_ARGB32);
