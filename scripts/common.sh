@@ -12,6 +12,7 @@ MW_PACKAGES=(
   libgtk-3-dev libgtk-layer-shell-dev libglib2.0-bin
   libgtkmm-3.0-dev   # only the benchmarks' gtkmm floor; the host uses GTK's C API
   xvfb xauth xdotool dbus-daemon dbus-x11 conky-std libx11-dev
+  waybar   # only the benchmarks: a status-bar peer of the host on sway
   openbox sway grim mutter xwayland x11-utils imagemagick libwayland-dev libwayland-bin
   xfwm4 kwin-x11 wmctrl wayland-protocols
   clang libclang-rt-14-dev

@@ -42,19 +42,12 @@ if [ -z "${METERWICK_CONTAINER:-}" ] || [ ! -d "$METERWICK_CONTAINER" ]; then
   export METERWICK_CONTAINER="$work/demo/container"
   "$cli" demo --output "$work/demo" >/dev/null
 fi
-"$cli" place focus --at 0,0 >/dev/null
-"$cli" place accounts --family systemLarge --at 180,0 >/dev/null
-"$cli" place accounts-limit --family systemMedium --at 560,0 >/dev/null
-"$cli" place sparkline --at 560,180 >/dev/null
-"$cli" place dashboard --family systemExtraLarge --at 0,400 >/dev/null
+source "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/five_widgets.sh"
+place_five_widgets "$cli"
 
 "$host" 2>"$work/host.log" &
 pid=$!
-status() {
-  gdbus call --session --dest app.meterwick.WidgetHost --object-path /app/meterwick/WidgetHost \
-    --method app.meterwick.WidgetHost.Status
-}
-field() { sed -n "s/.*'$1': <\(uint[0-9]* \)\{0,1\}\([0-9]*\)>.*/\2/p"; }
+status() { host_status; }
 for _ in $(seq 150); do
   [ "$(status 2>/dev/null | field widgets)" = 5 ] && break
   sleep 0.1

@@ -181,17 +181,28 @@ std::optional<double> kbToMB(std::optional<double> kb) {
 
 // ---- the host -------------------------------------------------------------
 
-std::map<std::string, double> measureHost(const Settings& settings, const fs::path& scratch) {
+// "key value" lines a script under bench/host prints; exit status 77 means
+// what it needs is not installed.
+std::map<std::string, double> measureByScript(const fs::path& script, const std::vector<std::string>& arguments,
+                                              const fs::path& out) {
     std::map<std::string, double> values;
-    const fs::path script = settings.source / "bench/host/rss.sh";
-    const fs::path out = scratch / "host.txt";
-    const auto r = runChild({"bash", script.string(), settings.build.string(), settings.quick ? "2" : "10"}, out);
-    if (!r || (r->status != 0 && r->status != 77)) std::fprintf(stderr, "  host measurement failed\n");
-    if (r && r->status == 77) std::fprintf(stderr, "  xvfb-run or dbus-run-session is missing: no host figures\n");
+    std::vector<std::string> args{"bash", script.string()};
+    args.insert(args.end(), arguments.begin(), arguments.end());
+    const auto r = runChild(args, out);
+    if (!r || (r->status != 0 && r->status != 77)) std::fprintf(stderr, "  %s failed\n", script.c_str());
+    if (r && r->status == 77) std::fprintf(stderr, "  %s: a program it needs is missing\n", script.c_str());
     std::ifstream in(out);
     std::string key;
     double value = 0;
     while (in >> key >> value) values[key] = value;
+    return values;
+}
+
+std::map<std::string, double> measureHost(const Settings& settings, const fs::path& scratch) {
+    auto values = measureByScript(settings.source / "bench/host/rss.sh",
+                                  {settings.build.string(), settings.quick ? "2" : "10"}, scratch / "host.txt");
+    // The same host on headless sway, beside Waybar.
+    values.merge(measureByScript(settings.source / "bench/host/sway.sh", {settings.build.string()}, scratch / "sway.txt"));
     return values;
 }
 
@@ -290,12 +301,19 @@ int run(const Settings& settings) {
         timeProcess({cli, "--now", nowText, "gallery", "--output", galleryDir.string()}, std::max(3, settings.runs / 4));
     std::optional<double> galleryPerImage;
     std::optional<double> galleryCPUPerImage;
+    std::optional<double> galleryKBPerImage;
     if (galleryRun.wallMS) {
         int images = 0;
-        for (const auto& entry : fs::directory_iterator(galleryDir)) images += entry.path().extension() == ".png";
+        double bytes = 0;
+        for (const auto& entry : fs::directory_iterator(galleryDir)) {
+            if (entry.path().extension() != ".png") continue;
+            ++images;
+            bytes += static_cast<double>(entry.file_size());
+        }
         if (images > 0) {
             galleryPerImage = *galleryRun.wallMS / images;
             galleryCPUPerImage = *galleryRun.cpuMS / images;
+            galleryKBPerImage = bytes / 1024 / images;
         }
     }
     std::vector<ProcessFigures> renderRuns;
@@ -306,7 +324,7 @@ int run(const Settings& settings) {
 
     std::map<std::string, double> host;
     if (settings.host) {
-        std::fprintf(stderr, "desktop host under Xvfb…\n");
+        std::fprintf(stderr, "desktop host under Xvfb and on sway…\n");
         host = measureHost(settings, scratch);
     }
 
@@ -343,6 +361,7 @@ int run(const Settings& settings) {
     table.row("encodePNG", lookup(widgets, "BM_EncodePNG/accounts/systemLarge", 1000), "ms", copy);
     table.row("Cairo's PNG writer, for comparison", lookup(widgets, "BM_EncodePNGCairo/accounts/systemLarge", 1000),
               "ms", copy);
+    table.row("gallery PNG files, mean size (scale 2)", galleryKBPerImage, "KB", std::nullopt);
 
     table.section("whole process, wall time (floors: a C++ hello world for data commands; Pango start-up for drawing)");
     table.row("/bin/true", trueRun.wallMS, "ms", std::nullopt);
@@ -372,7 +391,7 @@ int run(const Settings& settings) {
                   kbToMB(renderRuns[i].maxRSSKB), "MB", kbToMB(pangoRun.maxRSSKB));
 
     if (settings.host) {
-        table.section("desktop host, five widgets placed and drawn, Xvfb (floor: GTK program, five windows)");
+        table.section("desktop host, five widgets placed and drawn, Xvfb, then sway (floor: GTK program, five windows)");
         const auto floorRSS = get(host, "floor_rss_kb", 1024);
         table.row("host VmRSS", get(host, "host_rss_kb", 1024), "MB", floorRSS);
         table.row("host VmHWM (peak)", get(host, "host_hwm_kb", 1024), "MB", get(host, "floor_hwm_kb", 1024));
@@ -394,6 +413,14 @@ int run(const Settings& settings) {
                   std::nullopt);
         table.row("  Conky: RssAnon", get(host, "conky_anon_kb", 1024), "MB", std::nullopt);
         table.row("  Conky: Pss", get(host, "conky_pss_kb", 1024), "MB", std::nullopt);
+        table.row("host VmRSS on sway, layer-shell (beside Waybar)", get(host, "sway_host_rss_kb", 1024), "MB",
+                  get(host, "waybar_rss_kb", 1024));
+        table.row("  on sway: RssAnon (beside Waybar's)", get(host, "sway_host_anon_kb", 1024), "MB",
+                  get(host, "waybar_anon_kb", 1024));
+        table.row("  on sway: Pss (beside Waybar's)", get(host, "sway_host_pss_kb", 1024), "MB",
+                  get(host, "waybar_pss_kb", 1024));
+        table.row("peer: Waybar, one custom module, sway: VmRSS", get(host, "waybar_rss_kb", 1024), "MB",
+                  std::nullopt);
         const std::string idle = std::to_string(static_cast<int>(get(host, "idle_seconds").value_or(0)));
         table.row("host context switches in " + idle + " s idle", get(host, "idle_switches"), "", std::nullopt);
         table.row("Conky context switches in " + idle + " s idle", get(host, "conky_switches"), "", std::nullopt);
@@ -430,6 +457,10 @@ int run(const Settings& settings) {
     }
     if (const auto rss = get(host, "host_rss_kb", 1024)) {
         std::printf("target: host resident memory at most 30 MB: %s (%.1f MB)\n", *rss <= 30 ? "met" : "missed", *rss);
+        if (const auto sway = get(host, "sway_host_rss_kb", 1024), waybar = get(host, "waybar_rss_kb", 1024);
+            sway && waybar)
+            std::printf("target: host resident memory on sway below Waybar's: %s (%.1f MB beside %.1f MB)\n",
+                        *sway < *waybar ? "met" : "missed", *sway, *waybar);
         if (const auto wakeups = get(host, "timer_wakeups"))
             std::printf("target: no timer wake-ups between entry dates: %s (%.0f)\n", *wakeups == 0 ? "met" : "missed",
                         *wakeups);
