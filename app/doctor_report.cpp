@@ -1,5 +1,7 @@
 #include "app/doctor_report.hpp"
 
+#include <nlohmann/json.hpp>
+
 #include "model/accounts.hpp"
 #include "timeline/panels.hpp"
 #include "timeline/policy.hpp"
@@ -12,13 +14,7 @@ constexpr const char* kStartHost =
 
 std::string sourceName(const DoctorFacts& facts) {
     if (facts.containerFromOption) return "--container";
-    switch (facts.container.source) {
-        case ContainerSource::variable: return "METERWICK_CONTAINER";
-        case ContainerSource::dataHome: return "XDG_DATA_HOME";
-        case ContainerSource::home: return "HOME";
-        case ContainerSource::none: break;
-    }
-    return "nothing";
+    return std::string(rawValue(facts.container.source));
 }
 
 std::string ago(double seconds) { return seconds < 60 ? "just now" : durationText(seconds) + " ago"; }
@@ -84,7 +80,7 @@ Finding selfReportFinding(const DoctorFacts& facts) {
     if (!facts.selfReport)
         return problem("selfReport", "No self-report yet: no widget has built a timeline from this container",
                        kStartHost);
-    const auto& report = *facts.selfReport;
+    const auto report = nlohmann::json::parse(*facts.selfReport, nullptr, false);
     std::string text = "Last self-report";
     if (const auto at = parseISO8601(field(report, "recordedAt"))) text += " " + ago(facts.now - *at);
     text += ": " + field(report, "kind") + " read " + field(report, "payloadReadStatus");
@@ -227,7 +223,7 @@ nlohmann::ordered_json jsonReport(const DoctorFacts& facts, const std::vector<Fi
           {"tools", facts.tools},
           {"enabledTools", facts.enabledTools},
           {"accounts", facts.accounts}}},
-        {"selfReport", facts.selfReport ? json(*facts.selfReport) : json(nullptr)},
+        {"selfReport", facts.selfReport ? json(nlohmann::json::parse(*facts.selfReport, nullptr, false)) : json(nullptr)},
         {"host", {{"state", hostStates[static_cast<int>(facts.host)]}, {"status", facts.hostStatus}}},
         {"widgets",
          {{"file", optional(facts.placementsFile)}, {"status", facts.placementsStatus}, {"placed", placed}}},

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <utility>
 
+#include "platform/text.hpp"
+
 namespace mw {
 
 namespace {
@@ -48,13 +50,6 @@ std::string_view trimWhitespace(std::string_view text) {
     return text;
 }
 
-int hexDigit(char c) {
-    if (c >= '0' && c <= '9') return c - '0';
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    return -1;
-}
-
 // An unsigned base-16 number as the ordinary integer parser reads it: one
 // optional leading "+", then at least one digit and nothing else. A "-" is a
 // failure for an unsigned value.
@@ -63,7 +58,7 @@ std::optional<std::uint64_t> parseUnsignedHex(std::string_view text) {
     if (text.empty()) return std::nullopt;
     std::uint64_t value = 0;
     for (const char c : text) {
-        const int digit = hexDigit(c);
+        const int digit = hexDigitValue(c);
         if (digit < 0) return std::nullopt;
         if (value > (UINT64_MAX >> 4)) return std::nullopt;
         value = (value << 4) | static_cast<std::uint64_t>(digit);

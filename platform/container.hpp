@@ -1,7 +1,10 @@
 #pragma once
+#include <array>
 #include <filesystem>
 #include <optional>
 #include <string>
+
+#include "platform/option_table.hpp"
 
 namespace mw {
 
@@ -20,6 +23,16 @@ struct ContainerEnvironment {
 
 // Which setting named the container directory.
 enum class ContainerSource { variable, dataHome, home, none };
+// Each source by the name a person sets: the variable itself.
+template <>
+struct OptionTable<ContainerSource> {
+    static constexpr std::array<OptionCase<ContainerSource>, 4> cases{{
+        {ContainerSource::variable, "METERWICK_CONTAINER", {}},
+        {ContainerSource::dataHome, "XDG_DATA_HOME", {}},
+        {ContainerSource::home, "HOME", {}},
+        {ContainerSource::none, "nothing", {}},
+    }};
+};
 
 // Where the container would be, whether or not it exists yet: the variable,
 // else under XDG_DATA_HOME, else under HOME; nothing when none is set.

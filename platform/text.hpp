@@ -41,6 +41,14 @@ std::string isolated(std::string_view text);
 
 namespace mw {
 
+// The value of one hexadecimal digit, in either case; -1 for any other character.
+constexpr int hexDigitValue(char c) {
+    if (c >= '0' && c <= '9') return c - '0';
+    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+    return -1;
+}
+
 // Whether `text` is entirely valid UTF-8.
 bool isValidUTF8(std::string_view text);
 

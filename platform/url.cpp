@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <optional>
 
+#include "platform/text.hpp"
+
 namespace mw {
 namespace {
 
@@ -20,13 +22,6 @@ bool allowedInPath(unsigned char c) {
     }
 }
 
-int hexValue(char c) {
-    if (c >= '0' && c <= '9') return c - '0';
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    return -1;
-}
-
 // %XX sequences decoded; a malformed one makes the whole path unusable.
 std::optional<std::string> unescapeURLPath(std::string_view path) {
     std::string out;
@@ -37,8 +32,8 @@ std::optional<std::string> unescapeURLPath(std::string_view path) {
             continue;
         }
         if (i + 2 >= path.size()) return std::nullopt;
-        const int high = hexValue(path[i + 1]);
-        const int low = hexValue(path[i + 2]);
+        const int high = hexDigitValue(path[i + 1]);
+        const int low = hexDigitValue(path[i + 2]);
         if (high < 0 || low < 0) return std::nullopt;
         out += static_cast<char>(high * 16 + low);
         i += 2;

@@ -2,13 +2,12 @@
 
 #include <cmath>
 #include <numbers>
-#include <fstream>
 #include <map>
 #include <memory>
 #include <mutex>
-#include <sstream>
 #include <string>
 
+#include "platform/read_file.hpp"
 #include "render/assets.hpp"
 #include "render/cairo/svg.hpp"
 
@@ -17,6 +16,8 @@ namespace mw::render {
 namespace {
 
 constexpr double kPi = std::numbers::pi;
+// Far larger than any icon or logo; a bigger file is drawn as missing.
+constexpr std::size_t kLargestSVG = 4 * 1024 * 1024;
 
 // Stroke width of the 24-unit icon grid per font weight (the icons are drawn at 2).
 double symbolStrokeWidth(Weight w) {
@@ -65,11 +66,9 @@ private:
             out.png.reset(s);
             return out;
         }
-        std::ifstream in(path, std::ios::binary);
-        if (!in) return out;
-        std::stringstream buffer;
-        buffer << in.rdbuf();
-        out.svg = svg::parse(buffer.str());
+        const auto read = readRegularFile(path, kLargestSVG);
+        if (read.error) return out;
+        out.svg = svg::parse(read.bytes);
         if (out.svg) {
             out.width = out.svg->width;
             out.height = out.svg->height;
