@@ -179,8 +179,7 @@ DoctorFacts gather(const GlobalOptions& options) {
     facts.accounts = static_cast<int>(accountList(loaded.payload).size());
     if (container)
         if (const auto text = readSmallFile(*container / kSelfReportFileName)) {
-            auto report = nlohmann::json::parse(*text, nullptr, false);
-            if (report.is_object()) facts.selfReport = std::move(report);
+            if (nlohmann::json::parse(*text, nullptr, false).is_object()) facts.selfReport = *text;
         }
 
     const auto status = hostStatus();

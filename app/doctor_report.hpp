@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include "payload/store.hpp"
 #include "platform/container.hpp"
@@ -39,8 +39,9 @@ struct DoctorFacts {
     int tools = 0;
     int enabledTools = 0;
     int accounts = 0;
-    // Last self-report: nothing when there is none; its fields as written.
-    std::optional<nlohmann::json> selfReport;
+    // Last self-report: nothing when there is none; else the JSON object as
+    // written, its fields read as they are.
+    std::optional<std::string> selfReport;
     // Host.
     HostState host = HostState::noBus;
     std::string hostMessage;

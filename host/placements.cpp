@@ -14,6 +14,7 @@
 #include <system_error>
 #include <thread>
 #include <utility>
+#include <nlohmann/json.hpp>
 
 #include "platform/atomic_write.hpp"
 #include "platform/environment.hpp"
@@ -63,21 +64,29 @@ constexpr std::array<std::string_view, 6> kWidgetMembers{"id", "kind", "family",
 constexpr std::array<std::string_view, 2> kDocumentMembers{"version", "widgets"};
 constexpr std::array<std::string_view, 2> kPositionMembers{"x", "y"};
 
+// Replaced rather than thrown on: a kept member may hold text that is not
+// valid UTF-8 only if it was read that way, which parse refuses.
+std::string dumped(const nlohmann::ordered_json& json, int indent = -1) {
+    return json.dump(indent, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+}
+
+// The members not in `known`, as the text of one object; empty when none.
 template <std::size_t N>
-nlohmann::ordered_json unknownMembers(const nlohmann::ordered_json& object,
-                                      const std::array<std::string_view, N>& known) {
+std::string unknownMembers(const nlohmann::ordered_json& object, const std::array<std::string_view, N>& known) {
     nlohmann::ordered_json unknown;
     for (const auto& [name, value] : object.items())
         if (std::find(known.begin(), known.end(), name) == known.end()) unknown[name] = value;
-    return unknown;
+    return unknown.is_null() ? std::string() : dumped(unknown);
 }
 
-// Appends the unknown members that do not clash with a known one.
+// Appends the kept members that do not clash with a known one.
 template <std::size_t N>
-void appendUnknown(nlohmann::ordered_json& object, const nlohmann::ordered_json& unknown,
+void appendUnknown(nlohmann::ordered_json& object, std::string_view unknown,
                    const std::array<std::string_view, N>& known) {
-    if (!unknown.is_object()) return;
-    for (const auto& [name, value] : unknown.items())
+    if (unknown.empty()) return;
+    const auto members = nlohmann::ordered_json::parse(unknown, nullptr, false);
+    if (!members.is_object()) return;
+    for (const auto& [name, value] : members.items())
         if (std::find(known.begin(), known.end(), name) == known.end()) object[name] = value;
 }
 
@@ -181,17 +190,15 @@ nlohmann::ordered_json toJSON(const PlacedWidget& widget) {
     return json;
 }
 
-std::string encodePlacements(const std::vector<PlacedWidget>& widgets, const nlohmann::ordered_json& documentUnknown) {
+std::string encodePlacements(const std::vector<PlacedWidget>& widgets, std::string_view documentUnknown) {
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
     for (const auto& widget : widgets) list.push_back(toJSON(widget));
     nlohmann::ordered_json document{{"version", kPlacementsFormatVersion}, {"widgets", std::move(list)}};
     appendUnknown(document, documentUnknown, kDocumentMembers);
-    // Replaced rather than thrown on: a kept member may hold text that is
-    // not valid UTF-8 only if it was read that way, which parse refuses.
-    return document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+    return dumped(document, 2) + "\n";
 }
 
-nlohmann::ordered_json unknownDocumentMembers(std::string_view json) {
+std::string unknownDocumentMembers(std::string_view json) {
     const auto document = nlohmann::ordered_json::parse(json, nullptr, false);
     if (document.is_discarded() || !document.is_object()) return {};
     return unknownMembers(document, kDocumentMembers);
@@ -275,7 +282,7 @@ std::string problemReport(const std::filesystem::path& file, const PlacementsLoa
 }
 
 bool savePlacements(const std::filesystem::path& file, const std::vector<PlacedWidget>& widgets,
-                    const nlohmann::ordered_json& documentUnknown) {
+                    std::string_view documentUnknown) {
     const auto target = linkTarget(file);
     std::error_code ec;
     std::filesystem::create_directories(target.parent_path(), ec);

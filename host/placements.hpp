@@ -16,7 +16,7 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -54,12 +54,13 @@ struct PlacedWidget {
     IntentParameters parameters;  // raw values and entity ids by parameter name
     WidgetPosition position;  // from the top-left corner of its monitor
     // Members this build does not know (written by a newer version), kept
-    // as they were and written back after the known ones. Null when none.
-    nlohmann::ordered_json unknown{};
+    // as they were, as the text of one JSON object, and written back after
+    // the known ones. Empty when none.
+    std::string unknown{};
     std::optional<std::string> monitor = std::nullopt;  // its monitor's identity; none: the primary
     // Members of "position" other than x and y, kept the same way; a move
     // changes `position` and leaves these as they were.
-    nlohmann::ordered_json positionUnknown{};
+    std::string positionUnknown{};
     bool operator==(const PlacedWidget&) const = default;
 };
 
@@ -81,15 +82,14 @@ std::optional<std::filesystem::path> placementsFile();
 // position:{x,y}, monitor?}…]}. Unknown members, of the document (`documentUnknown`)
 // and of each widget, are written back after the known ones.
 nlohmann::ordered_json toJSON(const PlacedWidget& widget);
-std::string encodePlacements(const std::vector<PlacedWidget>& widgets,
-                             const nlohmann::ordered_json& documentUnknown = {});
+std::string encodePlacements(const std::vector<PlacedWidget>& widgets, std::string_view documentUnknown = {});
 // Strict: any structural fault (wrong types, a missing id, kind or family,
 // duplicate ids, a newer format, an integer out of range) fails the whole
 // document with a message. `parameters`, `position` and `monitor` may be left out.
 Result<std::vector<PlacedWidget>> decodePlacements(std::string_view json);
-// The document's members other than "version" and "widgets" (null when
-// none, or when the text is not a JSON object).
-nlohmann::ordered_json unknownDocumentMembers(std::string_view json);
+// The document's members other than "version" and "widgets", as the text of
+// one object (empty when none, or when the text is not a JSON object).
+std::string unknownDocumentMembers(std::string_view json);
 
 enum class PlacementsStatus { ok, missing, unreadable, corrupt };
 template <>
@@ -108,7 +108,7 @@ struct PlacementsLoad {
     std::string problem;                          // why the file could not be used
     std::optional<std::filesystem::path> keptAs;  // where the unusable file now is
     bool moveTried = false;                       // false: the bad file was left in place on purpose
-    nlohmann::ordered_json unknown{};             // the document's unknown members, kept on save
+    std::string unknown;                          // the document's unknown members, kept on save
     bool operator==(const PlacementsLoad&) const = default;
 
     // Whether saving may replace the file: it was fine, absent, or the bad
@@ -133,7 +133,7 @@ std::string problemReport(const std::filesystem::path& file, const PlacementsLoa
 // symbolic link (a dotfiles manager's), the link is kept and its target is
 // replaced, atomically, beside the target.
 bool savePlacements(const std::filesystem::path& file, const std::vector<PlacedWidget>& widgets,
-                    const nlohmann::ordered_json& documentUnknown = {});
+                    std::string_view documentUnknown = {});
 
 // An exclusive flock on "<file>.lock", released when destroyed.
 class PlacementsLock {

@@ -1,5 +1,7 @@
 #include "app/host/widget_surface.hpp"
 
+#include <nlohmann/json.hpp>
+
 #include "bundle/widget_view.hpp"
 #include "host/widget_mask.hpp"
 #include "platform/atomic_write.hpp"

@@ -27,8 +27,8 @@ DoctorFacts healthy() {
     f.tools = 3;
     f.enabledTools = 2;
     f.accounts = 2;
-    f.selfReport = nlohmann::json{{"recordedAt", "2025-01-31T14:00:00Z"}, {"kind", "focus"},
-                                  {"payloadReadStatus", "ok"}, {"bundleVersion", "0.1.0"}};
+    f.selfReport = R"({"recordedAt": "2025-01-31T14:00:00Z", "kind": "focus", "payloadReadStatus": "ok",
+                       "bundleVersion": "0.1.0"})";
     f.host = HostState::running;
     f.hostStatus = {{"widgets", "1"}};
     f.placementsFile = "/w.json";
@@ -76,7 +76,7 @@ TEST(Doctor, EachProblemNamesItsAreaAndWhatToDo) {
          "Turn one back on"},
         {"enabled but none connected", [](DoctorFacts& f) { f.accounts = 0; }, "payload", "Connect a provider"},
         {"the host last read a broken file",
-         [](DoctorFacts& f) { (*f.selfReport)["payloadReadStatus"] = "unreadable"; }, "selfReport", "use Repair"},
+         [](DoctorFacts& f) { f.selfReport = R"({"payloadReadStatus": "unreadable"})"; }, "selfReport", "use Repair"},
         {"no host", [](DoctorFacts& f) { f.host = HostState::notRunning; }, "host", "systemctl --user start"},
         {"nothing placed", [](DoctorFacts& f) { f.placed.clear(); }, "widgets", "meterwick-widgets place focus"},
         {"a placement this build cannot show",

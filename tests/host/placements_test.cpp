@@ -8,6 +8,8 @@
 #include <functional>
 #include <thread>
 
+#include <nlohmann/json.hpp>
+
 #include "support/temp_dir.hpp"
 
 namespace mw {
@@ -185,7 +187,7 @@ TEST(PlacementsDecoding, KeepsKindsAndFamiliesThisBuildDoesNotKnow) {
         R"({"widgets": [{"id": "w", "kind": "MeterwickFuture", "family": "systemHuge", "extra": true}]})");
     ASSERT_TRUE(decoded);
     EXPECT_EQ(*decoded, (std::vector<PlacedWidget>{
-                                  {"w", "MeterwickFuture", "systemHuge", {}, {0, 0}, {{"extra", true}}}}));
+                                  {"w", "MeterwickFuture", "systemHuge", {}, {0, 0}, R"({"extra":true})"}}));
     // …and writes them back unchanged.
     EXPECT_EQ(decodePlacements(encodePlacements(*decoded)).value(), *decoded);
 }
