@@ -12,6 +12,7 @@ namespace {
 struct Text {
     std::string text;
     render::Rect frame;
+    bool label = false;  // words a view gave its marks
 };
 
 struct Group {
@@ -20,8 +21,10 @@ struct Group {
 };
 
 // "91%", "$18.40", "+7%", "−18%", "3": a number, perhaps signed, with a
-// currency sign before or a percent sign after.
+// currency sign before or a percent sign after; for words a view gives its
+// marks ("91% used, over pace"), the first word.
 bool isFigure(std::string_view s) {
+    s = s.substr(0, s.find(' '));
     constexpr std::string_view kMinus = "\u2212";
     if (s.starts_with(kMinus)) s.remove_prefix(kMinus.size());
     else if (!s.empty() && (s.front() == '+' || s.front() == '-')) s.remove_prefix(1);
@@ -56,13 +59,14 @@ Clause readGroup(const std::vector<Text>& texts, bool withTitle) {
              ++i)
             clause.title += std::string(kTitleSeparator) + texts[i].text;
     }
-    std::string previous;
+    const Text* previous = nullptr;
     for (; i < texts.size(); ++i) {
         const auto& t = texts[i].text;
         if (clause.body.empty()) clause.body = t;
-        else if (isFigure(t) && !isFigure(previous)) clause.body += " " + t;
+        else if (previous->label) clause.body += "; " + t;
+        else if (isFigure(t) && !isFigure(previous->text)) clause.body += " " + t;
         else clause.body += ", " + t;
-        previous = t;
+        previous = &texts[i];
     }
     return clause;
 }
@@ -77,11 +81,18 @@ std::string joined(const Clause& clause) {
 
 SpokenContent spokenContent(const render::DisplayList& list) {
     std::vector<Text> texts;
-    for (const auto& op : list.ops)
-        if (const auto* text = std::get_if<render::TextDraw>(&op.item)) {
+    // Inside a view's own words its drawn texts are not read again.
+    int labelled = 0;
+    for (const auto& op : list.ops) {
+        if (const auto* begin = std::get_if<render::AccessibilityBegin>(&op.item)) {
+            if (labelled++ == 0 && !begin->label.empty()) texts.push_back({begin->label, op.frame, true});
+        } else if (std::holds_alternative<render::AccessibilityEnd>(op.item)) {
+            labelled = std::max(0, labelled - 1);
+        } else if (const auto* text = std::get_if<render::TextDraw>(&op.item); text != nullptr && labelled == 0) {
             auto words = text->text();
             if (!words.empty()) texts.push_back({std::move(words), op.frame});
         }
+    }
     std::vector<Group> groups;
     for (std::size_t i = 0; i < texts.size(); ++i) {
         const auto& t = texts[i];
@@ -104,7 +115,7 @@ SpokenContent spokenContent(const render::DisplayList& list) {
         // (insights, notes) is read as it is.
         const auto clause = readGroup(group.texts, group.link.has_value() || g == 0);
         const auto sentence = joined(clause);
-        if (!out.sentence.empty()) out.sentence += "; ";
+        if (!out.sentence.empty()) out.sentence += ". ";
         out.sentence += sentence;
         if (group.link) {
             const auto& link = list.links[*group.link];

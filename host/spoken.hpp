@@ -14,25 +14,28 @@ namespace mw {
 
 struct SpokenLink {
     std::string name;         // the row's title: "Claude · Work"
-    std::string description;  // the whole row: "Claude · Work: 5h 91%, Week 77%"
+    std::string description;  // the whole row: "Claude · Work: 5h 91% used, …"
     std::string url;
     render::Rect rect;        // in widget points, for the focus ring
     bool operator==(const SpokenLink&) const = default;
 };
 
 struct SpokenContent {
-    // "Usage: +2 more; Claude · Work: 5h 91%, Week 77%; Codex: 5h 18%, Week 71%"
+    // "Claude · Work: 5h 91% used, over pace, resets in 40m; Week 77% used,
+    // resets in 5d. Codex: …"
     std::string sentence;
     std::vector<SpokenLink> links;  // in reading order
     bool operator==(const SpokenContent&) const = default;
 };
 
 // Texts are read in paint order (the order the view declares them), grouped
-// by the link they lie in. A group opens with its title (the leading texts on
-// its first line, or stacked under it) followed by ": "; a figure ("91%",
-// "$18.40") joins the label before it; the rest is separated by ", " and the
-// groups by "; ". A one-letter monogram drawn before the name it abbreviates
-// is skipped.
+// by the link they lie in; where a view gave its marks words of their own
+// (an accessibility label), those are read in place of the texts it covers,
+// and an empty label hides them. A group opens with its title (the leading
+// texts on its first line, or stacked under it) followed by ": "; a figure
+// ("91%", "$18.40") joins the label before it; what follows a view's own
+// words is set off with "; ", the rest with ", "; groups end with ". ". A
+// one-letter monogram drawn before the name it abbreviates is skipped.
 SpokenContent spokenContent(const render::DisplayList& list);
 
 // The window's accessible name: the widget's display name and, when the

@@ -60,6 +60,9 @@ json strokeJSON(const StrokeStyle& s) {
 json describe(const DisplayList& list, Appearance appearance) {
     json nodes = json::array();
     for (const DrawOp& op : list.ops) {
+        // Only what is drawn: the words for assistive technology are not.
+        if (std::holds_alternative<AccessibilityBegin>(op.item) || std::holds_alternative<AccessibilityEnd>(op.item))
+            continue;
         json j;
         std::visit(
             [&](const auto& item) {

@@ -70,11 +70,22 @@ struct LinkRegion {
     bool operator==(const LinkRegion&) const = default;
 };
 
+// The ops between AccessibilityBegin and the matching AccessibilityEnd are
+// read by assistive technology as `label`; painters ignore both.
+struct AccessibilityBegin {
+    std::string label;
+    bool operator==(const AccessibilityBegin&) const = default;
+};
+struct AccessibilityEnd {
+    bool operator==(const AccessibilityEnd&) const = default;
+};
+
 struct DrawOp {
     Rect frame;                 // in points, in the widget's space, before `transform`
     Affine transform = {};      // rotations of the view and its ancestors
     double rotationDegrees = 0; // the sum of those rotations, for describe
-    std::variant<ShapeDraw, TextDraw, ImageDraw, ClipBegin, ClipEnd, LinkRegion> item;
+    std::variant<ShapeDraw, TextDraw, ImageDraw, ClipBegin, ClipEnd, LinkRegion, AccessibilityBegin, AccessibilityEnd>
+        item;
     bool operator==(const DrawOp&) const = default;
 };
 

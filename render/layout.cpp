@@ -294,7 +294,8 @@ double priorityOf(const Node& node) {
             } else if constexpr (std::is_same_v<T, EnvNode> || std::is_same_v<T, OpacityNode> ||
                                  std::is_same_v<T, RotationNode> || std::is_same_v<T, OffsetNode> ||
                                  std::is_same_v<T, LinkNode> || std::is_same_v<T, ClipNode> ||
-                                 std::is_same_v<T, LayerNode> || std::is_same_v<T, WidgetURLNode>) {
+                                 std::is_same_v<T, LayerNode> || std::is_same_v<T, WidgetURLNode> ||
+                                 std::is_same_v<T, AccessibilityNode>) {
                 return priorityOf(*n.child);
             } else {
                 return 0.0;
@@ -457,7 +458,8 @@ Size computeSize(const Node& node, Proposal p, const Env& env, Pass& m) {
             } else if constexpr (std::is_same_v<T, EnvNode>) {
                 return sizeOf(*n.child, p, env.with(n.change), m);
             } else {
-                // Offset, priority, opacity, rotation, clip, link, widget URL: layout passes through.
+                // Offset, priority, opacity, rotation, clip, link, widget URL,
+                // accessibility label: layout passes through.
                 return sizeOf(*n.child, p, env, m);
             }
         },
@@ -613,6 +615,10 @@ void place(const Node& node, Proposal p, Rect frame, const Env& env, Pass& m, Si
                 sink.add(frame, LinkRegion{n.url});
                 sink.links.push_back(Link{transformedBounds(sink.transform, frame), n.url});
                 place(*n.child, p, frame, env, m, sink);
+            } else if constexpr (std::is_same_v<T, AccessibilityNode>) {
+                sink.add(frame, AccessibilityBegin{n.label});
+                place(*n.child, p, frame, env, m, sink);
+                sink.add(frame, AccessibilityEnd{});
             } else if constexpr (std::is_same_v<T, WidgetURLNode>) {
                 if (!sink.tapURLSet) {
                     sink.tapURL = n.url;

@@ -112,6 +112,11 @@ struct LinkNode {
     NodePtr child;
 };
 
+struct AccessibilityNode {
+    std::string label;
+    NodePtr child;
+};
+
 struct WidgetURLNode {
     std::string url;
     NodePtr child;
@@ -140,7 +145,7 @@ struct GeometryNode {
 struct Node {
     std::variant<EmptyNode, StackNode, SpacerNode, TextNode, ImageNode, ShapeNode, PaddingNode, FrameNode,
                  OffsetNode, PriorityNode, FixedSizeNode, OpacityNode, RotationNode, LayerNode, ClipNode, LinkNode,
-                 WidgetURLNode, EnvNode, GeometryNode>
+                 AccessibilityNode, WidgetURLNode, EnvNode, GeometryNode>
         value;
 };
 

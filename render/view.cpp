@@ -128,6 +128,11 @@ View View::link(std::string url) const {
 
 View View::widgetURL(std::string url) const { return make(WidgetURLNode{std::move(url), node_}); }
 
+View View::accessibilityLabel(std::string words) const {
+    if (isEmpty()) return *this;
+    return make(AccessibilityNode{std::move(words), node_});
+}
+
 View View::foreground(Color color) const {
     EnvChange c;
     c.foreground = color;

@@ -111,6 +111,11 @@ public:
     View link(std::string url) const;
     // The widget's tap URL (the outermost wins).
     View widgetURL(std::string url) const;
+    // What assistive technology reads for this view, in place of the texts
+    // inside it: words for what its colours and marks mean ("91% used, over
+    // pace"); empty words hide it from them (an axis label). Drawing and
+    // layout are unchanged.
+    View accessibilityLabel(std::string words) const;
 
     // ---- environment modifiers
     View foreground(Color color) const;

@@ -407,7 +407,8 @@ void paint(cairo_t* cr, const DisplayList& list, Appearance appearance) {
                         cairo_restore(cr);
                         --clipDepth;
                     }
-                } else if constexpr (std::is_same_v<T, LinkRegion>) {
+                } else if constexpr (std::is_same_v<T, LinkRegion> || std::is_same_v<T, AccessibilityBegin> ||
+                                     std::is_same_v<T, AccessibilityEnd>) {
                     // Not drawn.
                 } else {
                     cairo_save(cr);

@@ -9,6 +9,8 @@
 #include "bundle/widget_view.hpp"
 #include "payload/sample.hpp"
 #include "render/fake_measurer.hpp"
+#include "host/first_run.hpp"
+
 
 namespace mw {
 namespace {
@@ -21,26 +23,51 @@ render::DrawOp text(std::string words, render::Rect frame) {
     return {frame, {}, 0, draw};
 }
 
-TEST(Spoken, ReadsEveryRowOfTheAccountsBoardsWithItsLink) {
+// Every kind in every family and style, on the sample: what colour, bars
+// and pace marks show is heard in words, each row link is read whole within
+// the sentence, and a few sentences are pinned word for word.
+TEST(Spoken, EveryWidgetIsReadWithWhatItsMarksMean) {
     const render::testing::FakeMeasurer measurer;
-    const auto payload = samplePayload(kNow);
-    for (const auto family : {WidgetFamily::systemMedium, WidgetFamily::systemLarge}) {
-        const auto list = layoutWidget(AccountsEntry{kNow, payload, ReadStatus::ok}, family, measurer);
-        const auto spoken = spokenContent(list);
-        ASSERT_EQ(spoken.links.size(), list.links.size());
-        for (std::size_t i = 0; i < list.links.size(); ++i) {
-            const auto& link = spoken.links[i];
-            EXPECT_EQ(link.url, list.links[i].url);
-            EXPECT_TRUE(link.description.starts_with(link.name + ": ")) << link.description;
-            EXPECT_NE(spoken.sentence.find(link.description), std::string::npos);
+    const ProviderContext context{std::nullopt, kNow, {}};
+    struct Case {
+        const char* kind;
+        IntentParameters parameters;
+        std::vector<const char*> heard;  // fragments of the sentence, in any family
+    };
+    const std::vector<Case> cases{
+        {"focus", {{"tool", "claude:work"}}, {"CLAUDE · WORK: 91% used, critical; resets in 40m; 1m ago"}},
+        {"focus",
+         {{"tool", "claude:work"}, {"style", "enhanced"}},
+         {"Claude · Work: 5h 91% used, on pace; resets in 40m; Week 77% used, over pace; resets in 5d; On pace"}},
+        {"accounts", {}, {"Claude · Work: 5h 91% used, on pace, resets in 40m; Week 77% used, over pace, resets in 5d."}},
+        {"accounts-limit", {{"percent", "left"}}, {"Weekly room: +4 more. Gemini: 88% left, on pace; resets in 6d."}},
+        {"sparkline", {}, {"Claude · Work: 5h 7% over pace; last 5h: highest 18% over pace, lowest 18% under pace"}},
+        {"dashboard", {}, {"Session 91% used, critical, resets in 2h 10m, +6% vs pace; Weekly 77% used, warning"}},
+    };
+    for (const auto& c : cases) {
+        const auto& widget = *findWidget(c.kind);
+        for (const auto family : widget.families) {
+            const auto list = layoutWidget(previewEntry(widget, context, c.parameters), family, measurer);
+            const auto spoken = spokenContent(list);
+            const auto where = std::string(c.kind) + " " + std::string(rawValue(family)) + ": " + spoken.sentence;
+            for (const auto* fragment : c.heard)
+                if (family == widget.families.front()) {
+                    EXPECT_NE(spoken.sentence.find(fragment), std::string::npos) << fragment << " in " << where;
+                }
+            // A bare figure would leave its colour unsaid: each percent is
+            // followed by what it is.
+            for (auto at = spoken.sentence.find('%'); at != std::string::npos; at = spoken.sentence.find('%', at + 1)) {
+                const auto after = spoken.sentence.substr(at + 1, 12);
+                EXPECT_TRUE(after.starts_with(" used") || after.starts_with(" left") || after.starts_with(" over pace") ||
+                            after.starts_with(" under pace") || after.starts_with(" vs pace") || after.starts_with(" on "))
+                    << where;
+            }
+            ASSERT_EQ(spoken.links.size(), list.links.size()) << where;
+            for (std::size_t i = 0; i < list.links.size(); ++i) {
+                EXPECT_EQ(spoken.links[i].url, list.links[i].url);
+                EXPECT_NE(spoken.sentence.find(spoken.links[i].description), std::string::npos) << where;
+            }
         }
-        // Every drawn figure is heard.
-        for (const auto& op : list.ops) {
-            const auto* t = std::get_if<render::TextDraw>(&op.item);
-            if (t == nullptr || !t->text().ends_with("%")) continue;
-            EXPECT_NE(spoken.sentence.find(t->text()), std::string::npos) << t->text();
-        }
-        EXPECT_EQ(spoken.links[1].name, "Claude · Work");
     }
 }
 
@@ -54,14 +81,19 @@ TEST(Spoken, ReadingRules) {
         text("Codex", {10, 22, 40, 12}),
         text("Work", {10, 35, 30, 10}),        // stacked under the name
         text("5h", {100, 22, 10, 10}),
-        text("18%", {120, 20, 20, 14}),        // joins its label
+        {{120, 20, 20, 14}, {}, 0, render::AccessibilityBegin{"18% used, over pace"}},  // read in place of
+        text("18%", {120, 20, 20, 14}),                                                   // what it covers
+        {{120, 20, 20, 14}, {}, 0, render::AccessibilityEnd{}},
         text("4h 5m", {100, 36, 30, 10}),
+        {{0, 50, 20, 10}, {}, 0, render::AccessibilityBegin{""}},  // hidden
+        text("-5h", {0, 50, 20, 10}),
+        {{0, 50, 20, 10}, {}, 0, render::AccessibilityEnd{}},
         text("Codex 5h runs out in 26m", {0, 100, 200, 12}),  // outside every link
     };
     const auto spoken = spokenContent(list);
-    EXPECT_EQ(spoken.sentence, "Usage: +2 more; Codex · Work: 5h 18%, 4h 5m; Codex 5h runs out in 26m");
+    EXPECT_EQ(spoken.sentence, "Usage: +2 more. Codex · Work: 5h 18% used, over pace; 4h 5m. Codex 5h runs out in 26m");
     ASSERT_EQ(spoken.links.size(), 2u);  // the second has no words: it is named by its URL
-    EXPECT_EQ(spoken.links[0], (SpokenLink{"Codex · Work", "Codex · Work: 5h 18%, 4h 5m", list.links[0].url,
+    EXPECT_EQ(spoken.links[0], (SpokenLink{"Codex · Work", "Codex · Work: 5h 18% used, over pace; 4h 5m", list.links[0].url,
                                            list.links[0].rect}));
     EXPECT_EQ(spoken.links[1].name, "meterwick://tool/x");
 }

@@ -102,7 +102,8 @@ View resetLine(const WidgetUsageWindow& window, Date now, double size) {
                    Text(*text).font(Font::system(size, Weight::medium)).monospacedDigit()},
                   {.alignment = VAlign::center, .spacing = 2})
         .foreground(Color::tertiary())
-        .lineLimit(1);
+        .lineLimit(1)
+        .accessibilityLabel(spokenReset(window.resetAt, now));
 }
 
 // The window's pace in its colour, for spacious rows.
@@ -127,6 +128,8 @@ View windowColumn(const WidgetUsageWindow& window, const Color& brand, Date now,
                       .monospacedDigit()
                       .foreground(fillColor(window, brand, now))
                       .lineLimit(1)
+                      .accessibilityLabel(spokenFigure(percentText(window, remaining), window, now, remaining,
+                                                       {.pace = !spacious, .reset = false}))
                       .layoutPriority(1);
     // The figure is sized first: a long label gives way, the number never.
     View head = HStack({label, Spacer(4), figure}, {.alignment = VAlign::bottom, .spacing = 0});
@@ -176,7 +179,8 @@ View compactFigure(const WidgetUsageWindow& window, const Color& brand, Date now
                       .font(Font::system(11, Weight::semibold))
                       .monospacedDigit()
                       .foreground(fillColor(window, brand, now))
-                      .lineLimit(1);
+                      .lineLimit(1)
+                      .accessibilityLabel(spokenFigure(percentText(window, remaining), window, now, remaining));
     return HStack({fixedWidth(label, kCompactLabelWidth, Alignment::leading()),
                    fixedWidth(figure, kCompactPercentWidth, Alignment::trailing())},
                   {.alignment = VAlign::center, .spacing = kCompactLabelGap});

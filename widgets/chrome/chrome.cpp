@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <numbers>
 
+#include "model/accounts.hpp"
+#include "model/pace.hpp"
 #include "platform/url.hpp"
 
 namespace mw {
@@ -47,6 +49,30 @@ std::string ageText(Date reference, Date earlier) {
     if (!(age >= 60)) return "now";  // also a date that is not a number
     if (age < 3600) return wholeUnitsAgo(age / 60, "m");
     return wholeUnitsAgo(age / 3600, "h");
+}
+
+std::string spokenReset(std::optional<Date> resetAt, Date now) {
+    if (!resetAt) return {};
+    if (!(*resetAt - now >= 60)) return "resets now";
+    return "resets in " + durationText(*resetAt - now);
+}
+
+std::string spokenRingFigure(const std::string& figure, bool remaining, std::int64_t dangerLevel) {
+    std::string out = figure + (remaining ? " left" : " used");
+    if (dangerLevel == 2) out += ", warning";
+    if (dangerLevel == 3) out += ", critical";
+    return out;
+}
+
+std::string spokenFigure(const std::string& figure, const WidgetUsageWindow& window, Date now, bool remaining,
+                         FigureWords words) {
+    std::string out = figure + (remaining ? " left" : " used");
+    if (words.pace) {
+        if (window.usedPercent >= 100) out += ", limit reached";
+        else if (const auto state = paceState(window, now)) out += ", " + std::string(rawValue(*state)) + " pace";
+    }
+    if (const auto reset = spokenReset(window.resetAt, now); words.reset && !reset.empty()) out += ", " + reset;
+    return out;
 }
 
 // ---------------------------------------------------------------- views

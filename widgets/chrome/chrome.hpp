@@ -29,6 +29,26 @@ std::string toolLinkURL(const std::string& toolKey);
 // "now" under a minute, then "<m>m ago", then "<h>h ago" (no days).
 std::string ageText(Date reference, Date earlier);
 
+// ---- words for screen readers
+
+// What a window's figure says to someone who cannot see its colour, bar and
+// pace tick: the figure, "used" or "left", then the pace ("over pace",
+// "limit reached"), then "resets in 40m". A view that draws the pace or the
+// countdown as text of its own leaves that part out.
+struct FigureWords {
+    bool pace = true;
+    bool reset = true;
+    bool operator==(const FigureWords&) const = default;
+};
+std::string spokenFigure(const std::string& figure, const WidgetUsageWindow& window, Date now, bool remaining,
+                         FigureWords words = {});
+// A drawn countdown as it is read: "resets in 2h 10m", "resets now" once
+// the reset is past; empty without a reset.
+std::string spokenReset(std::optional<Date> resetAt, Date now);
+// A usage ring's figure, whose colour shows the application's danger level:
+// "91% used, critical", "40% left".
+std::string spokenRingFigure(const std::string& figure, bool remaining, std::int64_t dangerLevel);
+
 // ---- views
 
 // The widget's background: the window colour at 0.98 with a hairline on top.

@@ -1,6 +1,7 @@
 #include "widgets/dashboard/sections.hpp"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <cstdio>
 
@@ -115,6 +116,21 @@ double cardRingPercent(const WidgetUsageCard& card, bool remaining) {
 
 namespace {
 
+// A card read in the order it is meant: "Session 91% used, critical,
+// resets in 2h 10m, +6% vs pace".
+std::string spokenCard(const DashboardCard& c) {
+    std::string out =
+        c.card.title + " " + spokenRingFigure(percentText(cardRingPercent(c.card, c.remaining)), c.remaining,
+                                              c.card.dangerLevel);
+    if (!c.card.resetText.empty()) {
+        std::string reset = c.card.resetText;
+        reset[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(reset[0])));
+        out += ", " + reset;
+    }
+    if (const auto detail = cardDetailText(c.card)) out += ", " + *detail;
+    return out;
+}
+
 View cardRing(const DashboardCard& c) {
     const RingMetrics& m = c.roomy ? kRoomyRing : kRing;
     const double percent = cardRingPercent(c.card, c.remaining);
@@ -179,6 +195,7 @@ View body(const DashboardCard& c) {
     // Texts that do not fit are cut rather than shrunk, so every card's
     // lines keep one size.
     return content.lineLimit(1)
+        .accessibilityLabel(spokenCard(c))
         .frame(fillWidth(height, c.wide && !c.roomy ? Alignment::leading() : Alignment::top()))
         .background(render::RoundedRectangle(kCardCorner).fill(Color::primary().withOpacity(0.05)));
 }
@@ -251,7 +268,8 @@ View bars(const DailyChart& chart, render::Size offered) {
             .foreground(Color::tertiary())
             .lineLimit(1)
             .frame(kChartGutter, kLabelHeight, Alignment::trailing())
-            .offset(size.width, size.height / 2 - kLabelHeight / 2),
+            .offset(size.width, size.height / 2 - kLabelHeight / 2)
+            .accessibilityLabel(""),
     };
     for (std::size_t i = 0; i < chart.days.size(); ++i) {
         const double peak = chart.days[i].peakPercent;
@@ -263,7 +281,14 @@ View bars(const DailyChart& chart, render::Size offered) {
                              .frame(s.bar, h)
                              .offset(x, size.height - h));
     }
-    return render::ZStack(std::move(layers), {.alignment = Alignment::topLeading()});
+    // The bars' heights, in words: the highest day.
+    const auto top = std::max_element(chart.days.begin(), chart.days.end(), [](const auto& a, const auto& b) {
+        return !(a.peakPercent >= b.peakPercent);  // a day without a number never wins
+    });
+    std::string words;
+    if (top != chart.days.end() && !std::isnan(top->peakPercent))
+        words = "highest " + percentText(top->peakPercent) + " on " + shortDayText(top->date);
+    return render::ZStack(std::move(layers), {.alignment = Alignment::topLeading()}).accessibilityLabel(words);
 }
 
 View dateLabels(const DailyChart& chart, render::Size offered) {

@@ -71,7 +71,10 @@ View ringCentre(const WidgetUsageWindow& main, bool remaining, RingCentreSize si
                              .foreground(Color::secondary())
                              .lineLimit(1)
                              .minimumScaleFactor(0.8);
-    return render::VStack({figure, caption}, {.alignment = HAlign::center, .spacing = 0}).frame(size.side, size.side);
+    // The window rows read the same figure with what it means.
+    return render::VStack({figure, caption}, {.alignment = HAlign::center, .spacing = 0})
+        .accessibilityLabel("")
+        .frame(size.side, size.side);
 }
 
 View windowRow(const WidgetUsageWindow& window, Color brand, Date now, bool remaining) {
@@ -82,7 +85,9 @@ View windowRow(const WidgetUsageWindow& window, Color brand, Date now, bool rema
                              .monospacedDigit()
                              .minimumScaleFactor(0.75)
                              .lineLimit(1)
-                             .foreground(fillColor(window, brand, now));
+                             .foreground(fillColor(window, brand, now))
+                             .accessibilityLabel(spokenFigure(percentText(shownPercent(window, remaining)), window,
+                                                              now, remaining, {.reset = false}));
     View reset;
     if (window.resetAt) {
         reset = render::HStack({render::Image::system("arrow.clockwise"), Text(countdownText(*window.resetAt - now))},
@@ -91,7 +96,8 @@ View windowRow(const WidgetUsageWindow& window, Color brand, Date now, bool rema
                     .monospacedDigit()
                     .minimumScaleFactor(0.8)
                     .lineLimit(1)
-                    .foreground(resetLineColor(window));
+                    .foreground(resetLineColor(window))
+                    .accessibilityLabel(spokenReset(window.resetAt, now));
     }
     // The label sits over the figure rather than beside it: beside the ring
     // of a small card there is room for "100%" at its full size, but not for
@@ -104,8 +110,14 @@ View paceLine(const WidgetUsageWindow& main, Date now, bool remaining) {
     if (!text) return {};
     const Color colour = paceColor(main, now);
     View note;
-    if (const auto n = paceNote(main, now, remaining))
-        note = Text(*n).font(Font::system(9)).foreground(Color::tertiary());
+    if (const auto n = paceNote(main, now, remaining)) {
+        // "vs 86%" is the share expected by now.
+        std::string words = spokenReset(main.resetAt, now);
+        if (const auto expected = expectedPercent(main, now); expected && main.usedPercent < 100)
+            words = percentText(remaining ? std::max(0.0, 100 - *expected) : *expected) +
+                    (remaining ? " left expected by now" : " used expected by now");
+        note = Text(*n).font(Font::system(9)).foreground(Color::tertiary()).accessibilityLabel(words);
+    }
     return render::HStack({render::Circle().fill(colour).frame(5, 5),
                            Text(*text).font(Font::system(9, Weight::semibold)).foreground(colour), note},
                           {.alignment = render::VAlign::center, .spacing = 4})

@@ -32,7 +32,8 @@ View ringVariant(const WidgetToolSnapshot& s, const WidgetPayload& payload, Date
     if (s.resetAt && *s.resetAt > now) {
         reset = Text("resets " + countdownText(*s.resetAt - now))
                     .font(Font::system(9, Weight::medium))
-                    .foreground(Color::tertiary());
+                    .foreground(Color::tertiary())
+                    .accessibilityLabel(spokenReset(s.resetAt, now));
     }
     const View texts =
         render::VStack(
@@ -45,7 +46,8 @@ View ringVariant(const WidgetToolSnapshot& s, const WidgetPayload& payload, Date
                     .font(Font::system(28, Weight::bold, render::Design::rounded))
                     .foreground(Color::primary())
                     .lineLimit(1)
-                    .minimumScaleFactor(0.6),
+                    .minimumScaleFactor(0.6)
+                    .accessibilityLabel(spokenRingFigure(percentText(v), remaining, s.dangerLevel)),
                 reset,
                 Text(ageText(now, payload.updatedAt)).font(Font::system(8)).foreground(Color::tertiary()),
             },

@@ -116,10 +116,14 @@ View names(const WidgetAccount& account, double providerSize, double accountSize
                   {.alignment = VAlign::center, .spacing = 4});
 }
 
-View figure(const LimitRow& row, WidgetPercentChoice percent, const Color& brand, Date now, Font font) {
+View figure(const LimitRow& row, WidgetPercentChoice percent, const Color& brand, Date now, Font font,
+            bool paceDrawn = false) {
     View text = Text(limitRowFigure(row, percent)).font(font).monospacedDigit().lineLimit(1);
-    if (!row.window) return text.foreground(Color::tertiary());
-    return text.foreground(fillColor(*row.window, brand, now));
+    if (!row.window) return text.foreground(Color::tertiary()).accessibilityLabel("none");
+    const bool left = showsRoomLeft(percent);
+    return text.foreground(fillColor(*row.window, brand, now))
+        .accessibilityLabel(spokenFigure(limitRowFigure(row, percent), *row.window, now, left,
+                                         {.pace = !paceDrawn, .reset = false}));
 }
 
 // The window's bar, or an empty track for an account without it.
@@ -139,7 +143,8 @@ View resetColumn(const LimitRow& row, Date now, double size = 8.5) {
                          {.alignment = VAlign::center, .spacing = 2})
                       .foreground(Color::tertiary())
                       .lineLimit(1)
-                      .minimumScaleFactor(0.8);
+                      .minimumScaleFactor(0.8)
+                      .accessibilityLabel(spokenReset(row.window->resetAt, now));
     }
     return fixedWidth(content, size / 8.5 * kResetWidth, Alignment::leading());
 }
@@ -166,7 +171,7 @@ View fullRow(const LimitRow& row, const AccountsLimitBoard& board, bool spacious
     View top = HStack({body(ProviderMarkView{row.account.snapshot.toolID, brand, spacious ? 16.0 : kMarkSize}),
                        names(row.account, spacious ? 13 : 11, spacious ? 11 : 10), Spacer(6),
                        figure(row, board.percent, brand, board.now,
-                              Font::system(spacious ? 22 : 13, Weight::bold, render::Design::rounded))
+                              Font::system(spacious ? 22 : 13, Weight::bold, render::Design::rounded), spacious)
                            .layoutPriority(2)},
                       {.alignment = VAlign::center, .spacing = 5});
     View bottom = HStack({bar(row, board.percent, brand, board.now, spacious ? kSpaciousBarHeight : kBarHeight)

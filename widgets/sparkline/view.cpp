@@ -1,5 +1,6 @@
 #include "widgets/sparkline/view.hpp"
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "model/brand.hpp"
@@ -27,6 +28,23 @@ namespace {
 
 constexpr double kMarkSize = 14;
 
+// "7% over pace", "8% under pace", "on pace".
+std::string spokenDelta(double value) {
+    const long long whole = roundHalfAway(value);
+    if (whole == 0) return "on pace";
+    return std::to_string(std::llabs(whole)) + (whole > 0 ? "% over pace" : "% under pace");
+}
+
+std::string spokenPace(double latest) { return "5h " + spokenDelta(latest); }
+
+// What the curve's height and gutter labels show: its highest and lowest.
+std::string spokenRange(const std::vector<SparklinePoint>& points) {
+    const auto [low, high] =
+        std::minmax_element(points.begin(), points.end(), [](const auto& a, const auto& b) { return a.v < b.v; });
+    if (low == points.end()) return {};
+    return "last 5h: highest " + spokenDelta(high->v) + ", lowest " + spokenDelta(low->v);
+}
+
 View header(const WidgetToolSnapshot& tool, Color colour, double latest, Date now, Date updatedAt) {
     View caption = Text("5h pace")
                        .font(Font::system(8.5, Weight::semibold))
@@ -40,7 +58,9 @@ View header(const WidgetToolSnapshot& tool, Color colour, double latest, Date no
     return HStack({body(ProviderMarkView{tool.toolID, colour, kMarkSize}),
                    Text(tool.displayName).font(Font::system(12, Weight::semibold)).lineLimit(1),
                    body(FreshnessMark{now, updatedAt, false}), Spacer(6),
-                   HStack({caption, value}, {.alignment = VAlign::center, .spacing = 4}).layoutPriority(1)},
+                   HStack({caption, value}, {.alignment = VAlign::center, .spacing = 4})
+                       .accessibilityLabel(spokenPace(latest))
+                       .layoutPriority(1)},
                   {.alignment = VAlign::center, .spacing = 5});
 }
 
@@ -69,8 +89,10 @@ View sparklineView(const SparklineEntry& entry, WidgetFamily /*family: medium on
     const auto points = sparklineWindow(*curve, entry.date);
     const Color colour = toolColor(*tool);
     return VStack({header(*tool, colour, points.back().v, entry.date, entry.payload.updatedAt),
-                   body(SparklineChart{points, entry.date, colour}).frame(Frame::maxInfinity()),
-                   body(SparklineTimeAxis{}).padding(render::Edge::trailing, kSparklineScaleGutter)},
+                   body(SparklineChart{points, entry.date, colour})
+                       .frame(Frame::maxInfinity())
+                       .accessibilityLabel(spokenRange(points)),
+                   body(SparklineTimeAxis{}).padding(render::Edge::trailing, kSparklineScaleGutter).accessibilityLabel("")},
                   {.alignment = HAlign::leading, .spacing = 6})
         .frame(Frame::maxInfinity(Alignment::topLeading()));
 }
