@@ -404,6 +404,13 @@ std::unique_ptr<WidgetWindow> HostApplication::makeWindow(const PlacedWidget& pl
             .addRequested = [this](WidgetPosition near) { showAddDialog(monitorUnder(near)); },
             .openURL = [this](const std::string& url, GdkRectangle from) { openURL(url, from); },
             .dataProblem = [this] { return dataProblem_; },
+            .focusNext =
+                [this, id](bool forward, guint32 time) {
+                    std::vector<WidgetWindow*> all;
+                    for (const auto& [_, window] : windows_) all.push_back(window.get());
+                    if (const auto from = windows_.find(id); from != windows_.end())
+                        focusNextWidget(all, *from->second, forward, time);
+                },
             .timerFired = [this] { ++counters_.timerWakeUps; },
             .snapshotDirectory = snapshotDirectory_,
             .display = display_,

@@ -30,6 +30,7 @@ WidgetAccess::WidgetAccess(GtkWindow* window, std::function<void(const std::stri
     const auto redraw = [this](auto...) { gtk_widget_queue_draw(GTK_WIDGET(window_)); };
     focusChanged_ = connect<void(GtkWindow*, GtkWidget*)>(window, "set-focus", redraw);
     focusVisible_ = connect<void(GObject*, GParamSpec*)>(window, "notify::focus-visible", redraw);
+    active_ = connect<void(GObject*, GParamSpec*)>(window, "notify::is-active", redraw);
 }
 
 void WidgetAccess::update(const std::string& name, const SpokenContent& content, const std::string& tapURL,
@@ -56,6 +57,8 @@ void WidgetAccess::update(const std::string& name, const SpokenContent& content,
         auto child = std::make_unique<Child>();
         child->button = gtk_button_new();
         gtk_widget_set_can_focus(child->button, TRUE);
+        // A row opens a place, as a link does; GTK would call it a button.
+        atk_object_set_role(gtk_widget_get_accessible(child->button), ATK_ROLE_LINK);
         g_signal_connect_data(child->button, "map", G_CALLBACK(hideInputWindow), nullptr, nullptr, G_CONNECT_AFTER);
         child->clicked = connect<void(GtkButton*)>(child->button, "clicked", [this, c = child.get()](GtkButton*) {
             const auto url = c->url;  // opening may update the children
@@ -82,7 +85,9 @@ void WidgetAccess::update(const std::string& name, const SpokenContent& content,
 }
 
 void WidgetAccess::drawFocus(cairo_t* cr, render::Appearance appearance) const {
-    if (!gtk_window_get_focus_visible(window_)) return;
+    // Only the widget the keyboard is in shows where it is: one that Tab
+    // left keeps its focused link but shows no ring.
+    if (!gtk_window_get_focus_visible(window_) || !gtk_window_is_active(window_)) return;
     GtkWidget* focus = gtk_window_get_focus(window_);
     for (const auto& child : children_) {
         if (child->button != focus) continue;
@@ -110,6 +115,27 @@ void WidgetAccess::drawFocus(cairo_t* cr, render::Appearance appearance) const {
 
 void WidgetAccess::leave() {
     gtk_window_set_focus(window_, nullptr);
+}
+
+bool WidgetAccess::moveFocus(bool forward) {
+    gtk_window_set_focus_visible(window_, TRUE);
+    GtkWidget* focus = gtk_window_get_focus(window_);
+    const auto at = std::find_if(children_.begin(), children_.end(), [&](const auto& c) { return c->button == focus; });
+    if (at == children_.end()) {
+        if (children_.empty()) return false;
+        enter(forward);
+        return true;
+    }
+    const auto index = static_cast<std::size_t>(at - children_.begin());
+    if (forward ? index + 1 >= children_.size() : index == 0) return false;
+    gtk_widget_grab_focus(children_[forward ? index + 1 : index - 1]->button);
+    return true;
+}
+
+void WidgetAccess::enter(bool forward) {
+    gtk_window_set_focus_visible(window_, TRUE);
+    if (children_.empty()) return;
+    gtk_widget_grab_focus((forward ? children_.front() : children_.back())->button);
 }
 
 }  // namespace mw::host

@@ -30,6 +30,12 @@ class WidgetAccess {
     void drawFocus(cairo_t* cr, render::Appearance appearance) const;
     // Gives the keyboard focus back to the window itself.
     void leave();
+    // Moves the keyboard focus to the next (or previous) link; false when it
+    // would go past the last (the first), so it may go on to another widget.
+    bool moveFocus(bool forward);
+    // The focus arrives from another widget: the first link, or going back
+    // the last.
+    void enter(bool forward);
 
   private:
     struct Child {
@@ -43,7 +49,7 @@ class WidgetAccess {
     std::function<void(const std::string&)> open_;
     GtkWidget* fixed_;  // owned by the window
     std::vector<std::unique_ptr<Child>> children_;
-    Connection focusChanged_, focusVisible_;
+    Connection focusChanged_, focusVisible_, active_;
 };
 
 }  // namespace mw::host

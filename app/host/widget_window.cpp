@@ -1,6 +1,8 @@
 #include "app/host/widget_window.hpp"
 
+#include <algorithm>
 #include <cmath>
+#include <tuple>
 
 #include "app/host/desktop_monitors.hpp"
 #include "app/host/dialogs.hpp"
@@ -41,6 +43,11 @@ WidgetWindow::WidgetWindow(PlacedWidget placed, ResolvedPlacement resolved, Widg
                                                .remove = [this] { callbacks_.removeRequested(); },
                                                .add = [this] { callbacks_.addRequested(placement_.position()); },
                                                .leave = [this] { access_->leave(); },
+                                               .tab =
+                                                   [this](bool forward, guint32 time) {
+                                                       if (!access_->moveFocus(forward))
+                                                           callbacks_.focusNext(forward, time);
+                                                   },
                                            });
     input_->setEditable(editable(widget()));
 
@@ -135,9 +142,14 @@ void WidgetWindow::showEntry(const AnyTimeline& timeline, std::size_t entry) {
     const auto& shown = timeline.entries[entry];
     surface_.show(shown, resolved_.family);
     const auto& list = surface_.list();
-    access_->update(spokenName(widget(), shown), spokenContent(list), list.tapURL, list.size);
     const bool readProblem = entryReadStatus(shown) != ReadStatus::ok;
-    gtk_widget_set_tooltip_text(window_.get(), readProblem ? callbacks_.dataProblem().c_str() : nullptr);
+    const auto problem = readProblem ? callbacks_.dataProblem() : std::string();
+    // The tooltip says where the data was looked for; a screen reader hears
+    // it after the panel's own words.
+    auto content = spokenContent(list);
+    if (!problem.empty()) content.sentence += ". " + problem;
+    access_->update(spokenName(widget(), shown), content, list.tapURL, list.size);
+    gtk_widget_set_tooltip_text(window_.get(), readProblem ? problem.c_str() : nullptr);
     presentationChanged();
 }
 
@@ -159,6 +171,26 @@ void WidgetWindow::presentationChanged() {
 
 void WidgetWindow::removeSnapshot() const {
     if (callbacks_.snapshotDirectory) host::removeSnapshot(*callbacks_.snapshotDirectory, placed_.id);
+}
+
+void WidgetWindow::takeFocus(bool forward, guint32 time) {
+    gtk_window_present_with_time(GTK_WINDOW(window_.get()), time);
+    access_->enter(forward);
+}
+
+void focusNextWidget(const std::vector<WidgetWindow*>& windows, const WidgetWindow& from, bool forward,
+                     guint32 time) {
+    auto order = windows;
+    std::sort(order.begin(), order.end(), [](const WidgetWindow* a, const WidgetWindow* b) {
+        const auto ra = a->screenRect();
+        const auto rb = b->screenRect();
+        return std::tie(ra.y, ra.x, a->placed().id) < std::tie(rb.y, rb.x, b->placed().id);
+    });
+    const auto at = std::find(order.begin(), order.end(), &from);
+    if (at == order.end()) return;
+    const auto n = static_cast<std::ptrdiff_t>(order.size());
+    const auto index = ((at - order.begin()) + (forward ? 1 : -1) + n) % n;
+    order[static_cast<std::size_t>(index)]->takeFocus(forward, time);
 }
 
 GdkRectangle WidgetWindow::screenRect() const {

@@ -43,6 +43,9 @@ struct WidgetWindowCallbacks {
     // Where the data was looked for and what was found, for the tooltip of
     // a widget that shows a read problem.
     std::function<std::string()> dataProblem;
+    // Tab went past this widget's last link (Shift+Tab its first): the
+    // keyboard focus goes on to the next widget (`focusNextWidget`).
+    std::function<void(bool forward, guint32 time)> focusNext;
     std::function<void()> timerFired;
     std::optional<std::filesystem::path> snapshotDirectory;  // MW_HOST_SNAPSHOT_DIR
     HostDisplay display;
@@ -75,6 +78,10 @@ class WidgetWindow {
     void monitorsChanged();
     // Drops the snapshot files (the widget was removed).
     void removeSnapshot() const;
+    // Takes the keyboard focus, on the first link (going back, the last).
+    void takeFocus(bool forward, guint32 time);
+    // Where the widget is, in desktop coordinates.
+    GdkRectangle screenRect() const;
 
   private:
     // Shows the widget at its stored place, clamped into its monitor.
@@ -89,7 +96,6 @@ class WidgetWindow {
     void showEntry(const AnyTimeline& timeline, std::size_t entry);
     void presentationChanged();
     void openLinkAt(PointerPoint at) const;
-    GdkRectangle screenRect() const;
 
     ObjectRef<GtkWidget> window_;  // first: outlives every piece that refers to it
     PlacedWidget placed_;
@@ -102,5 +108,11 @@ class WidgetWindow {
     WidgetSchedule schedule_;
     Connection draw_, scale_;
 };
+
+// Tab order between widgets: as they stand on the desktop, top to bottom,
+// then left to right, wrapping. Gives the focus to the one after (or before)
+// the widget `from` among `windows`.
+void focusNextWidget(const std::vector<WidgetWindow*>& windows, const WidgetWindow& from, bool forward,
+                     guint32 time);
 
 }  // namespace mw::host

@@ -77,6 +77,11 @@ WindowInput::WindowInput(GtkWindow* window, MoveMode mode, bool screenPoints, Ca
             callbacks_.leave();
             return TRUE;
         }
+        if (e->keyval == GDK_KEY_Tab || e->keyval == GDK_KEY_KP_Tab || e->keyval == GDK_KEY_ISO_Left_Tab) {
+            const bool back = e->keyval == GDK_KEY_ISO_Left_Tab || (e->state & GDK_SHIFT_MASK) != 0;
+            callbacks_.tab(!back, e->time);
+            return TRUE;
+        }
         const auto key = keyOf(e);
         // Enter on a focused row is that row's: the window passes it on.
         if (key == WidgetKey::activate && gtk_window_get_focus(window_) != nullptr) return FALSE;

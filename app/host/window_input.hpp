@@ -23,6 +23,8 @@ class WindowInput {
         std::function<void()> remove;
         std::function<void()> add;
         std::function<void()> leave;  // Escape: the keyboard focus leaves the rows
+        // Tab (forward) or Shift+Tab, at the time of the key press.
+        std::function<void(bool forward, guint32 time)> tab;
     };
 
     // Pointer points are taken on the screen when the window manager moves

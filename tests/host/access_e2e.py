@@ -4,10 +4,13 @@
 # Run inside tests/host/desktop_session.sh. Places two widgets, starts the
 # host with no handler installed for meterwick:// links, and checks from
 # outside, over AT-SPI: the application and its widget windows with their
-# names and descriptions, each row link as a child with a click action, and
-# that invoking one opens that tool's Full Dashboard window. On X11 it also
-# clicks a row with the pointer (xdotool), closes the dashboard with Escape
-# and reaches a row with Tab and Enter. Screenshots land in SHOTS.
+# names and descriptions, each row as a child with the link role and a click
+# action, and that invoking one opens that tool's Full Dashboard window. On
+# X11 it also clicks a row with the pointer (xdotool), closes the dashboard
+# with Escape, reaches a row with Tab and Enter, goes on with Tab past the
+# last row to the next widget and back with Shift+Tab, and opens the menu
+# with the Menu key. Last, with the payload gone, each widget's description
+# names the container looked at. Screenshots land in SHOTS.
 # Exits 1 with the reason on the first thing that is not so.
 
 import os
@@ -130,8 +133,13 @@ try:
     print("accounts:", accounts.description)
     print("focus:", focus.name, "—", focus.description)
 
-    links = [n for n in descendants(accounts) if n.getRole() in (pyatspi.ROLE_PUSH_BUTTON, pyatspi.ROLE_LINK)]
+    links = [n for n in descendants(accounts) if n.getRole() == pyatspi.ROLE_LINK]
     names = [n.name for n in links]
+    buttons = [n.name for n in descendants(accounts) if n.getRole() == pyatspi.ROLE_PUSH_BUTTON]
+    if buttons:
+        fail("rows exposed as push buttons rather than links: %r" % buttons)
+    if "% used, " not in accounts.description or "resets in " not in accounts.description:
+        fail("the description does not say what the figures mean: %r" % accounts.description)
     for expected in ("Claude · Work", "Codex", "Open Meterwick"):
         if expected not in names:
             fail("no link child named %r among %r" % (expected, names))
@@ -178,6 +186,51 @@ try:
         screenshot("focus-ring-" + env["MW_HOST_APPEARANCE"])
         run("xdotool", "key", "Return")
         wait_for("Enter to open the first row's dashboard", lambda: window_named(app, "Full Dashboard · " + first.name))
+        close_with_escape("Full Dashboard · " + first.name)
+
+        # Tab goes through the rows and on past the last to the next widget
+        # (Focus stands right of Accounts), Shift+Tab comes back.
+        activate("All Accounts")
+        run("xdotool", "key", "Escape", "Tab")  # Escape leaves the row Enter opened
+        wait_for("Tab to focus the first row again", lambda: first.getState().contains(pyatspi.STATE_FOCUSED))
+        for link in links[1:]:
+            run("xdotool", "key", "Tab")
+            wait_for("Tab to reach " + link.name, lambda: link.getState().contains(pyatspi.STATE_FOCUSED))
+        focus_links = [n for n in descendants(focus) if n.getRole() == pyatspi.ROLE_LINK]
+        if not focus_links:
+            fail("the Focus widget has no link to take the focus")
+        run("xdotool", "key", "Tab")
+        wait_for("Tab past the last row to reach the Focus widget",
+                 lambda: focus_links[0].getState().contains(pyatspi.STATE_FOCUSED)
+                 and focus.getState().contains(pyatspi.STATE_ACTIVE))
+        time.sleep(0.5)
+        screenshot("focus-next-widget-" + env["MW_HOST_APPEARANCE"])
+        run("xdotool", "key", "shift+Tab")
+        wait_for("Shift+Tab to come back to the Accounts widget's last link",
+                 lambda: links[-1].getState().contains(pyatspi.STATE_FOCUSED)
+                 and accounts.getState().contains(pyatspi.STATE_ACTIVE))
+
+        # The Menu key opens the widget's menu.
+        run("xdotool", "key", "Menu")
+        wait_for("the Menu key to open the widget's menu",
+                 lambda: any(n.name == "Edit Widget…" and n.getState().contains(pyatspi.STATE_SHOWING)
+                             for n in descendants(app)))
+        time.sleep(0.5)
+        screenshot("menu-key-" + env["MW_HOST_APPEARANCE"])
+        run("xdotool", "key", "Escape")
+
+    # No payload: the widgets say so, and their description names the
+    # container that was looked at.
+    container = os.environ["METERWICK_CONTAINER"]
+    os.rename(os.path.join(container, "widget-payload.json"), os.path.join(container, "moved-away.json"))
+    wait_for("the Accounts widget to name the container it looked at",
+             lambda: container in (window_named(app, "All Accounts") or accounts).description)
+    problem = window_named(app, "All Accounts").description
+    if "Waiting for Meterwick" not in problem and "Can't read widget data" not in problem:
+        fail("the description does not read the panel: %r" % problem)
+    print("no payload:", problem)
+    time.sleep(0.5)
+    screenshot("no-payload-" + env["MW_HOST_APPEARANCE"])
     if "cannot open" in host_log():
         fail("the host could not open a link:\n" + host_log())
 finally:
