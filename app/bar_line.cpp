@@ -8,7 +8,7 @@
 #include "model/brand.hpp"
 #include "model/pace.hpp"
 #include "model/usage_texts.hpp"
-#include "timeline/focus_content.hpp"
+#include "widgets/focus/content.hpp"
 #include "timeline/panels.hpp"
 
 namespace mw::cli {

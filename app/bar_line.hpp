@@ -9,7 +9,7 @@
 
 #include <nlohmann/json_fwd.hpp>
 
-#include "timeline/entries.hpp"
+#include "widgets/focus/entry.hpp"
 
 namespace mw::cli {
 

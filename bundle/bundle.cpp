@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <type_traits>
 
-#include "bundle/kinds.hpp"
 #include "payload/json_support.hpp"
 #include "payload/store.hpp"
 
@@ -120,12 +119,6 @@ std::optional<std::string> entryResolvedToolID(const AnyEntry& entry) {
 std::string entryTapURL(const AnyEntry& entry) {
     return visitKind(entry, [](auto kind, const auto& e) { return kind.tapURL(e); });
 }
-
-nlohmann::ordered_json toJSON(const WidgetToolChoice& choice) {
-    return {{"id", choice.id}, {"label", choice.label}, {"compactLabel", choice.compactLabel}};
-}
-
-nlohmann::ordered_json toJSON(const WidgetProviderChoice& choice) { return {{"id", choice.id}, {"label", choice.label}}; }
 
 nlohmann::ordered_json toJSON(const WidgetEmptyState& panel) {
     return {{"title", panel.title}, {"subtitle", panel.subtitle}, {"systemImage", panel.systemImage}};

@@ -1,12 +1,15 @@
 #pragma once
-// The widget bundle: the five widgets in gallery order, each declared as data
+// The widget bundle: the widget kinds in gallery order, each declared as data
 // (identity, gallery texts, families, intent) with type-erased providers, so
-// callers can work on any kind without knowing its types. Each kind's facts
-// live in its traits record (bundle/kinds.hpp); this table lists the kinds.
+// callers can work on any kind without knowing its types. Every fact about a
+// kind lives in its own folder under widgets/ (see widgets/kind.hpp); the one
+// table `WidgetKinds` below lists the kinds, and everything here is generated
+// from their records.
 
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <variant>
 #include <vector>
 
@@ -14,13 +17,18 @@
 
 #include "config/family.hpp"
 #include "config/intents.hpp"
-#include "timeline/entries.hpp"
-#include "timeline/providers.hpp"
 #include "timeline/empty_state.hpp"
+#include "timeline/providers.hpp"
+#include "widgets/accounts/kind.hpp"
+#include "widgets/dashboard/kind.hpp"
+#include "widgets/focus/kind.hpp"
+#include "widgets/limit/kind.hpp"
+#include "widgets/sparkline/kind.hpp"
 
 namespace mw {
 
-// The widget kinds in gallery order, one entry type each.
+// The widget kinds in gallery order, each named by its entry type (its
+// record is `WidgetKind<Entry>`).
 template <class... Entries>
 struct KindTable {
     using AnyEntry = std::variant<Entries...>;
@@ -32,6 +40,12 @@ using WidgetKinds = KindTable<FocusEntry,          //
                               DashboardEntry>;
 
 using AnyEntry = WidgetKinds::AnyEntry;
+
+// Calls `f(WidgetKind<Entry>{}, entry)` for whatever kind `entry` holds.
+template <class F>
+decltype(auto) visitKind(const AnyEntry& entry, F&& f) {
+    return std::visit([&](const auto& e) { return f(WidgetKind<std::decay_t<decltype(e)>>{}, e); }, entry);
+}
 
 struct AnyTimeline {
     std::vector<AnyEntry> entries;
@@ -79,8 +93,6 @@ std::string entryTapURL(const AnyEntry& entry);
 // resolvedToolID when there is one, and panel ({title, subtitle, systemImage}
 // or null). A timeline: {"entries": […], "reloadAfter": DATE}. A declaration:
 // identity, gallery texts, families and intent (null when static).
-nlohmann::ordered_json toJSON(const WidgetToolChoice& choice);
-nlohmann::ordered_json toJSON(const WidgetProviderChoice& choice);
 nlohmann::ordered_json toJSON(const WidgetEmptyState& panel);
 nlohmann::ordered_json toJSON(const AnyEntry& entry);
 nlohmann::ordered_json toJSON(const AnyTimeline& timeline);

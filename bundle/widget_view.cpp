@@ -1,6 +1,5 @@
 #include "bundle/widget_view.hpp"
 
-#include "bundle/kinds.hpp"
 #include "widgets/chrome/chrome.hpp"
 
 namespace mw {

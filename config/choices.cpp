@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <set>
 
+#include <nlohmann/json.hpp>
+
 #include "payload/store.hpp"
 #include "platform/text.hpp"
 
@@ -23,6 +25,12 @@ const Choice* findListed(std::string_view identifier, const std::vector<Choice>&
 }
 
 }  // namespace
+
+nlohmann::ordered_json toJSON(const WidgetToolChoice& choice) {
+    return {{"id", choice.id}, {"label", choice.label}, {"compactLabel", choice.compactLabel}};
+}
+
+nlohmann::ordered_json toJSON(const WidgetProviderChoice& choice) { return {{"id", choice.id}, {"label", choice.label}}; }
 
 WidgetToolChoice highestUsageChoice() { return {std::string(kHighestUsageID), "Highest Usage", "Highest"}; }
 

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include <nlohmann/json_fwd.hpp>
+
 #include "model/limit_board.hpp"  // kAllProvidersID: the board filters by the same reserved id
 #include "payload/records.hpp"
 
@@ -35,6 +37,11 @@ struct WidgetProviderChoice {
     static constexpr std::string_view typeDisplayName = "Provider";
     bool operator==(const WidgetProviderChoice&) const = default;
 };
+
+// {"id", "label", "compactLabel"} and {"id", "label"}: how entries and the
+// choice listings write a choice.
+nlohmann::ordered_json toJSON(const WidgetToolChoice& choice);
+nlohmann::ordered_json toJSON(const WidgetProviderChoice& choice);
 
 // "highest" / "Highest Usage" / "Highest": whichever enabled tool is used most.
 WidgetToolChoice highestUsageChoice();

@@ -1,72 +1,49 @@
 #pragma once
-// The timeline entries of the five widgets. All entries of one timeline share
-// payload, read status and options and differ only in `date`; views derive
-// every time-dependent text from that date.
+// What every widget's timeline entry has in common. Each kind declares its own
+// entry struct in its widget folder; all entries of one timeline share
+// payload, read status and options and differ only in `date`, and views
+// derive every time-dependent text from that date.
 
+#include <concepts>
 #include <optional>
 #include <string>
 
 #include "config/choices.hpp"
-#include "config/options.hpp"
+#include "config/tool_resolution.hpp"
 #include "payload/records.hpp"
 #include "payload/store.hpp"
 #include "platform/date.hpp"
 
 namespace mw {
 
-struct AccountsEntry {
-    Date date;
-    WidgetPayload payload;
-    ReadStatus readStatus = ReadStatus::ok;
-    bool operator==(const AccountsEntry&) const = default;
+// The members the generic code reads from any entry.
+template <class Entry>
+concept TimelineEntry = requires(const Entry& e) {
+    { e.date } -> std::convertible_to<Date>;
+    { e.payload } -> std::convertible_to<const WidgetPayload&>;
+    { e.readStatus } -> std::convertible_to<ReadStatus>;
 };
 
-struct AccountsLimitEntry {
-    Date date;
-    WidgetPayload payload;
-    ReadStatus readStatus = ReadStatus::ok;
-    WidgetProviderChoice provider;  // "all" when the intent leaves it unset
-    WidgetLimitChoice limit = WidgetLimitChoice::weekly;
-    WidgetPercentChoice percent = WidgetPercentChoice::left;
-    WidgetOrderChoice order = WidgetOrderChoice::mostRoom;
-    bool operator==(const AccountsLimitEntry&) const = default;
+// An entry of a kind that shows one chosen tool.
+template <class Entry>
+concept OneToolEntry = TimelineEntry<Entry> && requires(const Entry& e) {
+    { e.chosen } -> std::convertible_to<const WidgetToolChoice&>;
 };
 
-struct DashboardEntry {
-    Date date;
-    WidgetPayload payload;
-    ReadStatus readStatus = ReadStatus::ok;
-    WidgetToolChoice chosen;
-    bool operator==(const DashboardEntry&) const = default;
-};
+// The tool a one-tool entry shows, and the key it names (for the self-report
+// and the tap link).
+template <OneToolEntry Entry>
+std::optional<WidgetToolSnapshot> resolvedSnapshot(const Entry& entry) {
+    return resolvedSnapshot(entry.payload, entry.chosen);
+}
+template <OneToolEntry Entry>
+std::optional<std::string> resolvedToolKey(const Entry& entry) {
+    return resolvedToolKey(entry.payload, entry.chosen);
+}
 
-struct FocusEntry {
-    Date date;
-    WidgetPayload payload;
-    WidgetToolChoice chosen;
-    ReadStatus readStatus = ReadStatus::ok;
-    WidgetDetailStyle style = WidgetDetailStyle::classic;
-    bool operator==(const FocusEntry&) const = default;
-};
-
-struct SparklineEntry {
-    Date date;
-    WidgetPayload payload;
-    ReadStatus readStatus = ReadStatus::ok;
-    WidgetToolChoice chosen;
-    bool operator==(const SparklineEntry&) const = default;
-};
-
-// The tool a single-tool entry shows, and the key it names (for the
-// self-report and the tap link).
-std::optional<WidgetToolSnapshot> resolvedSnapshot(const FocusEntry& entry);
-std::optional<WidgetToolSnapshot> resolvedSnapshot(const SparklineEntry& entry);
-std::optional<WidgetToolSnapshot> resolvedSnapshot(const DashboardEntry& entry);
-std::optional<std::string> resolvedToolKey(const FocusEntry& entry);
-std::optional<std::string> resolvedToolKey(const SparklineEntry& entry);
-std::optional<std::string> resolvedToolKey(const DashboardEntry& entry);
-
-// The provider an Accounts by Limit entry is pinned to; nothing for "all".
-std::optional<std::string> resolvedProviderID(const AccountsLimitEntry& entry);
+// The tool an intent names, "Highest Usage" when it leaves it unset.
+inline WidgetToolChoice chosenOrHighest(const std::optional<WidgetToolChoice>& tool) {
+    return tool.value_or(highestUsageChoice());
+}
 
 }  // namespace mw

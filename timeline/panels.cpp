@@ -1,5 +1,7 @@
 #include "timeline/panels.hpp"
 
+#include <algorithm>
+
 #include "timeline/policy.hpp"
 
 namespace mw {
@@ -40,6 +42,23 @@ WidgetEmptyState noAccountsPanel() { return {"No accounts yet", kConnectAdvice, 
 std::optional<WidgetEmptyState> stalePanelAt(const WidgetPayload& payload, Date date) {
     if (isStale(payload, date)) return stalePanel();
     return std::nullopt;
+}
+
+WidgetEmptyState missingToolPanel(const WidgetPayload& payload, ReadStatus readStatus,
+                                  const WidgetToolChoice& chosen) {
+    if (auto failure = readFailurePanel(readStatus)) return *failure;
+    const auto& enabled = payload.enabledToolIDs;
+    const bool highest = isHighestUsage(chosen);
+    if (!highest && std::find(enabled.begin(), enabled.end(), chosen.id) == enabled.end())
+        return {chosen.compactLabel + " is turned off", "Re-enable it in Settings, or pick another in Edit Widget.",
+                "eye.slash"};
+    if (payload.tools.empty()) return noProvidersConnectedPanel();
+    if (!enabled.empty() && highest)
+        return {"No tool data yet", "Open Meterwick to connect a tool.", "clock.arrow.circlepath"};
+    if (!enabled.empty())
+        return {chosen.compactLabel + " not connected", "Open Meterwick, or pick another tool.",
+                "clock.arrow.circlepath"};
+    return allProvidersHiddenPanel();
 }
 
 }  // namespace mw

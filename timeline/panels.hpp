@@ -5,6 +5,7 @@
 
 #include <optional>
 
+#include "config/choices.hpp"
 #include "payload/records.hpp"
 #include "payload/store.hpp"
 #include "platform/date.hpp"
@@ -25,5 +26,12 @@ WidgetEmptyState noAccountsPanel();            // enabled tools, no account to s
 
 // The stale panel when the payload is stale at `date`.
 std::optional<WidgetEmptyState> stalePanelAt(const WidgetPayload& payload, Date date);
+
+// Why a one-tool widget has no tool to show, first matching row wins: the
+// read failures; a specific tool the user switched off ("<compact> is turned
+// off", checked before an empty tools list on purpose); nothing connected;
+// "Highest Usage" with nothing to rank; a specific tool that is enabled but
+// absent ("<compact> not connected"); everything hidden.
+WidgetEmptyState missingToolPanel(const WidgetPayload& payload, ReadStatus readStatus, const WidgetToolChoice& chosen);
 
 }  // namespace mw

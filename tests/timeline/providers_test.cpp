@@ -1,4 +1,4 @@
-#include "timeline/providers.hpp"
+#include "bundle/bundle.hpp"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>

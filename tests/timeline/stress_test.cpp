@@ -14,9 +14,9 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "bundle/bundle.hpp"
 #include "payload/self_report.hpp"
 #include "support/child_process.hpp"
-#include "timeline/providers.hpp"
 #include "support/payloads.hpp"
 
 namespace mw {

@@ -17,7 +17,7 @@
 #include "render/fake_measurer.hpp"
 #include "render/layout.hpp"
 #include "support/temp_dir.hpp"
-#include "timeline/providers.hpp"
+#include "widgets/accounts/kind.hpp"
 #include "widgets/accounts/board.hpp"
 #include "widgets/accounts/rows.hpp"
 #include "widgets/accounts/view.hpp"

@@ -4,7 +4,7 @@
 
 #include <optional>
 
-#include "timeline/entries.hpp"
+#include "widgets/accounts/entry.hpp"
 #include "widgets/chrome/empty_state.hpp"
 
 namespace mw {

@@ -2,7 +2,6 @@
 
 #include "config/tool_resolution.hpp"
 #include "widgets/chrome/panels.hpp"
-#include "widgets/focus/content.hpp"
 
 namespace mw {
 

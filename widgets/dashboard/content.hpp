@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "payload/records.hpp"
-#include "timeline/entries.hpp"
+#include "widgets/dashboard/entry.hpp"
 #include "widgets/chrome/empty_state.hpp"
 
 namespace mw {

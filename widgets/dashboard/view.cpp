@@ -5,7 +5,7 @@
 #include "widgets/dashboard/content.hpp"
 #include "widgets/dashboard/plan.hpp"
 #include "widgets/dashboard/sections.hpp"
-#include "widgets/focus/content.hpp"
+#include "widgets/chrome/panels.hpp"
 
 namespace mw {
 

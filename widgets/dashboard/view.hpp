@@ -12,7 +12,7 @@
 #include "payload/records.hpp"
 #include "platform/date.hpp"
 #include "render/view.hpp"
-#include "timeline/entries.hpp"
+#include "widgets/dashboard/entry.hpp"
 
 namespace mw {
 

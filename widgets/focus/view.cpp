@@ -6,6 +6,7 @@
 #include "model/brand.hpp"
 #include "widgets/chrome/chrome.hpp"
 #include "widgets/focus/card.hpp"
+#include "widgets/chrome/panels.hpp"
 #include "widgets/focus/content.hpp"
 #include "widgets/focus/texts.hpp"
 

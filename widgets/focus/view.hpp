@@ -8,7 +8,7 @@
 #include "payload/records.hpp"
 #include "platform/date.hpp"
 #include "render/view.hpp"
-#include "timeline/entries.hpp"
+#include "widgets/focus/entry.hpp"
 
 namespace mw {
 

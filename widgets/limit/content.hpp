@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "model/limit_board.hpp"
-#include "timeline/entries.hpp"
+#include "widgets/limit/entry.hpp"
 #include "widgets/chrome/empty_state.hpp"
 
 namespace mw {

@@ -5,7 +5,7 @@
 
 #include "config/family.hpp"
 #include "render/view.hpp"
-#include "timeline/entries.hpp"
+#include "widgets/limit/entry.hpp"
 
 namespace mw {
 

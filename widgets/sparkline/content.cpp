@@ -5,7 +5,6 @@
 
 #include "config/tool_resolution.hpp"
 #include "widgets/chrome/panels.hpp"
-#include "widgets/focus/content.hpp"
 
 namespace mw {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "payload/records.hpp"
-#include "timeline/entries.hpp"
+#include "widgets/sparkline/entry.hpp"
 #include "widgets/chrome/empty_state.hpp"
 
 namespace mw {

@@ -8,7 +8,7 @@
 #include "config/family.hpp"
 #include "platform/color.hpp"
 #include "render/view.hpp"
-#include "timeline/entries.hpp"
+#include "widgets/sparkline/entry.hpp"
 
 namespace mw {
 
