@@ -23,24 +23,6 @@ std::string joined(const std::vector<std::string_view>& words) {
 
 std::string inQuotes(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
-// Lenient reads of one stored parameter.
-const std::string* find(const IntentParameters& parameters, const char* name) {
-    const auto it = parameters.find(name);
-    return it == parameters.end() ? nullptr : &it->second;
-}
-
-template <class E>
-std::optional<E> optionParameter(const IntentParameters& parameters, const char* name) {
-    const auto* raw = find(parameters, name);
-    return raw ? fromRaw<E>(*raw) : std::nullopt;
-}
-
-std::optional<WidgetToolChoice> toolParameter(const IntentParameters& parameters, const ChoiceLists& lists) {
-    const auto* id = find(parameters, "tool");
-    if (id == nullptr || id->empty()) return std::nullopt;
-    return toolChoiceForIdentifier(*id, lists.tools);
-}
-
 }  // namespace
 
 std::string_view typeName(IntentParameterType type) {
@@ -83,77 +65,18 @@ std::vector<std::string_view> acceptedRawValues(IntentParameterType type) {
     return {};
 }
 
-const IntentDescription& AccountsLimitWidgetIntent::description() {
-    static const IntentDescription d{
-        "AccountsLimitWidgetIntent",
-        "Accounts by Limit",
-        {
-            {"provider", "Provider", IntentParameterType::providerChoice, true, std::nullopt, kAllProvidersID},
-            {"limit", "Limit", IntentParameterType::limit, false, rawValue(WidgetLimitChoice::weekly), {}},
-            {"percent", "Show", IntentParameterType::percent, false, rawValue(WidgetPercentChoice::left), {}},
-            {"order", "Order", IntentParameterType::order, false, rawValue(WidgetOrderChoice::mostRoom), {}},
-        },
-    };
-    return d;
-}
-
-const IntentDescription& FocusWidgetIntent::description() {
-    static const IntentDescription d{
-        "FocusWidgetIntent",
-        "Focus Tool",
-        {
-            {"tool", "Tool", IntentParameterType::toolChoice, true, std::nullopt, kHighestUsageID},
-            {"style", "Style", IntentParameterType::detailStyle, true, std::nullopt,
-             rawValue(WidgetDetailStyle::classic)},
-        },
-    };
-    return d;
-}
-
-const IntentDescription& SparklineWidgetIntent::description() {
-    static const IntentDescription d{
-        "SparklineWidgetIntent",
-        "Sparkline Tool",
-        {{"tool", "Tool", IntentParameterType::toolChoice, true, std::nullopt, kHighestUsageID}},
-    };
-    return d;
-}
-
-const IntentDescription& DashboardWidgetIntent::description() {
-    static const IntentDescription d{
-        "DashboardWidgetIntent",
-        "Dashboard Tool",
-        {{"tool", "Tool", IntentParameterType::toolChoice, true, std::nullopt, kHighestUsageID}},
-    };
-    return d;
-}
-
 ChoiceLists choiceLists(const WidgetPayload& payload) { return {toolChoices(payload), providerChoices(payload)}; }
 
-template <>
-AccountsLimitWidgetIntent intentFromParameters(const IntentParameters& parameters, const ChoiceLists& lists) {
-    AccountsLimitWidgetIntent intent;
-    if (const auto* id = find(parameters, "provider"); id != nullptr && !id->empty())
-        intent.provider = providerChoiceForIdentifier(*id, lists.providers);
-    if (const auto v = optionParameter<WidgetLimitChoice>(parameters, "limit")) intent.limit = *v;
-    if (const auto v = optionParameter<WidgetPercentChoice>(parameters, "percent")) intent.percent = *v;
-    if (const auto v = optionParameter<WidgetOrderChoice>(parameters, "order")) intent.order = *v;
-    return intent;
+std::optional<WidgetToolChoice> toolParameter(const IntentParameters& parameters, const ChoiceLists& lists) {
+    const auto it = parameters.find("tool");
+    if (it == parameters.end() || it->second.empty()) return std::nullopt;
+    return toolChoiceForIdentifier(it->second, lists.tools);
 }
 
-template <>
-FocusWidgetIntent intentFromParameters(const IntentParameters& parameters, const ChoiceLists& lists) {
-    return {toolParameter(parameters, lists), optionParameter<WidgetDetailStyle>(parameters, "style")};
-}
-
-template <>
-SparklineWidgetIntent intentFromParameters(const IntentParameters& parameters, const ChoiceLists& lists) {
-    return {toolParameter(parameters, lists)};
-}
-
-template <>
-DashboardWidgetIntent intentFromParameters(const IntentParameters& parameters, const ChoiceLists& lists) {
-    return {toolParameter(parameters, lists)};
+std::optional<WidgetProviderChoice> providerParameter(const IntentParameters& parameters, const ChoiceLists& lists) {
+    const auto it = parameters.find("provider");
+    if (it == parameters.end() || it->second.empty()) return std::nullopt;
+    return providerChoiceForIdentifier(it->second, lists.providers);
 }
 
 Result<IntentParameters> parseIntentParameters(const IntentDescription& intent,

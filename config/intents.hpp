@@ -1,8 +1,10 @@
 #pragma once
-// The configuration intents of the four configurable widgets: as data (title,
-// parameters with titles, types and defaults, for edit sheets and listings)
-// and as typed values the providers read. An intent is only a record of the
-// user's choices; a parameter left unset keeps its documented meaning.
+// What every widget's configuration intent is built from: its description as
+// data (title, parameters with titles, types and defaults, for edit sheets and
+// listings), its stored form, and the strict and lenient parsing of both.
+// Each configurable widget declares its typed intent in its own folder
+// (widgets/<kind>/intent.hpp). An intent is only a record of the user's
+// choices; a parameter left unset keeps its documented meaning.
 
 #include <map>
 #include <optional>
@@ -44,38 +46,6 @@ struct IntentDescription {
     bool operator==(const IntentDescription&) const = default;
 };
 
-struct AccountsLimitWidgetIntent {
-    std::optional<WidgetProviderChoice> provider;  // unset: all providers
-    WidgetLimitChoice limit = WidgetLimitChoice::weekly;
-    WidgetPercentChoice percent = WidgetPercentChoice::left;
-    WidgetOrderChoice order = WidgetOrderChoice::mostRoom;
-
-    static const IntentDescription& description();
-    bool operator==(const AccountsLimitWidgetIntent&) const = default;
-};
-
-struct FocusWidgetIntent {
-    std::optional<WidgetToolChoice> tool;    // unset: "Highest Usage"
-    std::optional<WidgetDetailStyle> style;  // unset: classic
-
-    static const IntentDescription& description();
-    bool operator==(const FocusWidgetIntent&) const = default;
-};
-
-struct SparklineWidgetIntent {
-    std::optional<WidgetToolChoice> tool;  // unset: "Highest Usage"
-
-    static const IntentDescription& description();
-    bool operator==(const SparklineWidgetIntent&) const = default;
-};
-
-struct DashboardWidgetIntent {
-    std::optional<WidgetToolChoice> tool;  // unset: "Highest Usage"
-
-    static const IntentDescription& description();
-    bool operator==(const DashboardWidgetIntent&) const = default;
-};
-
 // An intent's stored form: parameter name to raw value or entity identifier.
 // Parameters that are not there are unset.
 using IntentParameters = std::map<std::string, std::string>;
@@ -91,16 +61,21 @@ ChoiceLists choiceLists(const WidgetPayload& payload);
 
 // Typed intents from stored parameters. Lenient, as a host's store may hold
 // values an older build wrote: unknown names and raw values are left unset.
+// Each intent type reads its own parameters in `Intent::fromParameters`.
 template <class Intent>
-Intent intentFromParameters(const IntentParameters& parameters, const ChoiceLists& lists);
-template <>
-AccountsLimitWidgetIntent intentFromParameters(const IntentParameters& parameters, const ChoiceLists& lists);
-template <>
-FocusWidgetIntent intentFromParameters(const IntentParameters& parameters, const ChoiceLists& lists);
-template <>
-SparklineWidgetIntent intentFromParameters(const IntentParameters& parameters, const ChoiceLists& lists);
-template <>
-DashboardWidgetIntent intentFromParameters(const IntentParameters& parameters, const ChoiceLists& lists);
+Intent intentFromParameters(const IntentParameters& parameters, const ChoiceLists& lists) {
+    return Intent::fromParameters(parameters, lists);
+}
+
+// The lenient reads of one stored parameter those functions are built from:
+// nothing when it is unset, empty or (for an option) not one of its raw values.
+std::optional<WidgetToolChoice> toolParameter(const IntentParameters& parameters, const ChoiceLists& lists);
+std::optional<WidgetProviderChoice> providerParameter(const IntentParameters& parameters, const ChoiceLists& lists);
+template <class E>
+std::optional<E> optionParameter(const IntentParameters& parameters, const std::string& name) {
+    const auto it = parameters.find(name);
+    return it == parameters.end() ? std::nullopt : fromRaw<E>(it->second);
+}
 
 // Strictly parses "NAME=VALUE" assignments against an intent: every name must
 // be one of its parameters (given once), every enumeration value one of its

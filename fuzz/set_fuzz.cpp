@@ -1,5 +1,5 @@
 // The `--set NAME=VALUE` parser on arbitrary assignments (one per line; the
-// first byte picks the widget's intent): it accepts or explains, never both,
+// first byte picks one of the bundle's intents): it accepts or explains, never both,
 // and what it accepts names only the intent's own parameters.
 
 #include <algorithm>
@@ -9,18 +9,19 @@
 #include <string_view>
 #include <vector>
 
-#include "config/intents.hpp"
+#include "bundle/bundle.hpp"
 #include "fuzz/fuzz.hpp"
 
 namespace {
 
 const mw::IntentDescription& pick(std::uint8_t byte) {
-    switch (byte % 4) {
-        case 0: return mw::AccountsLimitWidgetIntent::description();
-        case 1: return mw::FocusWidgetIntent::description();
-        case 2: return mw::SparklineWidgetIntent::description();
-        default: return mw::DashboardWidgetIntent::description();
-    }
+    static const auto intents = [] {
+        std::vector<const mw::IntentDescription*> out;
+        for (const auto& widget : mw::widgetDeclarations())
+            if (widget.intent != nullptr) out.push_back(widget.intent);
+        return out;
+    }();
+    return *intents[byte % intents.size()];
 }
 
 }  // namespace

@@ -3,6 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "support/payloads.hpp"
+#include "widgets/dashboard/intent.hpp"
+#include "widgets/focus/intent.hpp"
+#include "widgets/limit/intent.hpp"
+#include "widgets/sparkline/intent.hpp"
 
 namespace mw {
 namespace {

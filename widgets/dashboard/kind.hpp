@@ -1,8 +1,8 @@
 #pragma once
 // Full Dashboard: one tool's whole usage breakdown.
 
-#include "config/intents.hpp"
 #include "widgets/dashboard/entry.hpp"
+#include "widgets/dashboard/intent.hpp"
 #include "widgets/kind.hpp"
 
 namespace mw {

@@ -1,8 +1,8 @@
 #pragma once
 // Tool Focus: one tool's big ring gauge, or its enhanced card.
 
-#include "config/intents.hpp"
 #include "widgets/focus/entry.hpp"
+#include "widgets/focus/intent.hpp"
 #include "widgets/kind.hpp"
 
 namespace mw {

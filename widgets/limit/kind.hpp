@@ -2,9 +2,9 @@
 // Accounts by Limit: the room left under one limit on every account of one
 // provider (or all), ranked.
 
-#include "config/intents.hpp"
 #include "widgets/kind.hpp"
 #include "widgets/limit/entry.hpp"
+#include "widgets/limit/intent.hpp"
 
 namespace mw {
 

@@ -1,9 +1,9 @@
 #pragma once
 // Pace Sparkline: one tool's 5-hour rate-delta curve.
 
-#include "config/intents.hpp"
 #include "widgets/kind.hpp"
 #include "widgets/sparkline/entry.hpp"
+#include "widgets/sparkline/intent.hpp"
 
 namespace mw {
 
