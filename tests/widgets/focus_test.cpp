@@ -16,6 +16,7 @@
 #include "render/layout.hpp"
 #include "widgets/chrome/chrome.hpp"
 #include "widgets/focus/card.hpp"
+#include "widgets/focus/kind.hpp"
 #include "widgets/focus/texts.hpp"
 #include "widgets/focus/view.hpp"
 
@@ -165,11 +166,11 @@ TEST(FocusCard, NoPaceLeavesTheLineOutAndNoWindowShowsTheFigure) {
 
 TEST(FocusLink, ToolKeyOrOpenApp) {
     const auto p = samplePayload(kNow);
-    EXPECT_EQ(focusTapURL(entryOf(p, "claude:work")), "meterwick://tool/claude:work");
-    EXPECT_EQ(focusTapURL(entryOf(p, "team tool#1")), "meterwick://tool/team%20tool%231");  // even unresolved
-    EXPECT_EQ(focusTapURL(entryOf(p, kHighestUsageID)), "meterwick://tool/claude:work");    // ranked 91 %
-    EXPECT_EQ(focusTapURL(entryOf(WidgetPayload{}, kHighestUsageID)), "meterwick://open");
-    EXPECT_EQ(focusTapURL(entryOf(p, "")), "meterwick://open");
+    EXPECT_EQ(WidgetKind<FocusEntry>::tapURL(entryOf(p, "claude:work")), "meterwick://tool/claude:work");
+    EXPECT_EQ(WidgetKind<FocusEntry>::tapURL(entryOf(p, "team tool#1")), "meterwick://tool/team%20tool%231");  // even unresolved
+    EXPECT_EQ(WidgetKind<FocusEntry>::tapURL(entryOf(p, kHighestUsageID)), "meterwick://tool/claude:work");    // ranked 91 %
+    EXPECT_EQ(WidgetKind<FocusEntry>::tapURL(entryOf(WidgetPayload{}, kHighestUsageID)), "meterwick://open");
+    EXPECT_EQ(WidgetKind<FocusEntry>::tapURL(entryOf(p, "")), "meterwick://open");
 }
 
 }  // namespace

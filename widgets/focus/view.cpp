@@ -94,10 +94,4 @@ View focusView(const FocusEntry& entry, WidgetFamily /*family: both looks are th
     return focusClassicView(*snapshot, entry.payload, entry.date);
 }
 
-std::string focusTapURL(const FocusEntry& entry) {
-    const auto key = resolvedToolKey(entry);
-    if (key && !key->empty()) return toolLinkURL(*key);
-    return openAppURL();
-}
-
 }  // namespace mw

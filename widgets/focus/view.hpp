@@ -24,7 +24,4 @@ render::View focusClassicView(const WidgetToolSnapshot& snapshot, const WidgetPa
 // `remaining` what is left (never below 0).
 double classicRingPercent(const WidgetToolSnapshot& snapshot, bool remaining);
 
-// "meterwick://tool/<key>" for the tool the entry shows, else the open-app URL.
-std::string focusTapURL(const FocusEntry& entry);
-
 }  // namespace mw
