@@ -117,8 +117,7 @@ public:
         auto image = std::make_shared<render::SurfacePtr>(render::paintToImage(list, options, turn.workspace));
         turn.path = std::move(path);
         turn.written = std::async(std::launch::async, [&turn, image] {
-            writeOutput(turn.path, turn.workspace.encodePNG(image->get()), Flush::unflushed);
-            image->reset();
+            writeOutput(turn.path, turn.workspace.encodePNG(std::move(*image)), Flush::unflushed);
         });
     }
 

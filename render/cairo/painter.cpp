@@ -304,53 +304,43 @@ void drawShape(cairo_t* cr, const ShapeDraw& s, const Rect& frame, Appearance ap
     cairo_set_dash(cr, nullptr, 0, 0);
 }
 
-// Points the context at the drawing's current transformation, and only
-// that. Pango's own update would also merge in the target surface's font
-// options (an X11 window's screen settings), which makes a second set of
-// fonts, each with its own glyph cache, beside the measurer's for the same
-// faces and sizes; every option that changes the widgets' text is set by
-// TextEngine::configure.
-void followTransform(cairo_t* cr, PangoContext* context) {
-    cairo_matrix_t m;
-    cairo_get_matrix(cr, &m);
-    const PangoMatrix matrix{m.xx, m.xy, m.yx, m.yy, 0, 0};
-    pango_context_set_matrix(context, &matrix);
-}
-
 void drawText(cairo_t* cr, PangoContext* context, const TextDraw& t, Rect f, Appearance appearance) {
     const RGBA c = resolve(t.color, appearance);
     if (c.a <= 0 || t.runs.empty()) return;
     std::lock_guard lock(textEngine().mutex());
     // The text already fits its frame. Text that layout kept on one line is
     // set without a width (Pango's line breaking counts the letter spacing
-    // trimmed from line ends, and would wrap it); otherwise the small
-    // allowance keeps rounding from rewrapping, and the ellipsis is a guard
-    // should a face differ.
-    PangoLayout* layout = createTextLayout(context, t.runs, std::nullopt);
+    // trimmed from line ends, and would wrap it), as it was measured, and
+    // placed by its frame's alignment; otherwise it is set again with the
+    // small allowance that keeps rounding from rewrapping, and the ellipsis
+    // is a guard should a face differ.
+    PangoLayout* layout = unwrappedTextLayout(context, t.runs);
     PangoRectangle logical;
     pango_layout_get_extents(layout, nullptr, &logical);
     const bool fitsOnOneLine = pango_layout_get_line_count(layout) == 1 &&
                                static_cast<double>(logical.width) / PANGO_SCALE <= f.width + 0.5;
-    const bool oneLine = fitsOnOneLine || (t.lineLimit && *t.lineLimit == 1);
-    if (!oneLine) {
-        g_object_unref(layout);
-        layout = createTextLayout(context, t.runs, f.width + 0.5);
-    }
     if (fitsOnOneLine) {
         const double free = f.width - static_cast<double>(logical.width) / PANGO_SCALE;
         if (t.alignment == TextAlignment::center) f.x += free / 2;
         if (t.alignment == TextAlignment::trailing) f.x += free;
-    } else if (oneLine) {
-        pango_layout_set_width(layout, static_cast<int>(std::ceil((f.width + 0.5) * PANGO_SCALE)));
-        pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);
-    } else if (t.lineLimit) {
-        pango_layout_set_height(layout, -*t.lineLimit);
-        pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);
-    }
-    switch (t.alignment) {
-        case TextAlignment::leading: pango_layout_set_alignment(layout, PANGO_ALIGN_LEFT); break;
-        case TextAlignment::center: pango_layout_set_alignment(layout, PANGO_ALIGN_CENTER); break;
-        case TextAlignment::trailing: pango_layout_set_alignment(layout, PANGO_ALIGN_RIGHT); break;
+    } else {
+        g_object_unref(layout);
+        if (t.lineLimit && *t.lineLimit == 1) {
+            layout = createTextLayout(context, t.runs, std::nullopt);
+            pango_layout_set_width(layout, static_cast<int>(std::ceil((f.width + 0.5) * PANGO_SCALE)));
+            pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);
+        } else {
+            layout = createTextLayout(context, t.runs, f.width + 0.5);
+            if (t.lineLimit) {
+                pango_layout_set_height(layout, -*t.lineLimit);
+                pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);
+            }
+        }
+        switch (t.alignment) {
+            case TextAlignment::leading: pango_layout_set_alignment(layout, PANGO_ALIGN_LEFT); break;
+            case TextAlignment::center: pango_layout_set_alignment(layout, PANGO_ALIGN_CENTER); break;
+            case TextAlignment::trailing: pango_layout_set_alignment(layout, PANGO_ALIGN_RIGHT); break;
+        }
     }
     setColor(cr, c);
     cairo_move_to(cr, f.x, f.y);
@@ -387,8 +377,12 @@ void paint(cairo_t* cr, const DisplayList& list, Appearance appearance) {
     cairo_save(cr);
     cairo_matrix_t base;
     cairo_get_matrix(cr, &base);
+    // Text is set in points with the measurer's fonts, whatever the scale or
+    // rotation: Cairo's transformation turns the glyph outlines into pixels
+    // (unhinted, so the result is the same as fonts made for each device
+    // size), and the fonts, their glyph shapes and Pango's font set-up are
+    // made once per size rather than once per size and scale.
     PangoContext* context = textEngine().newContext();
-    followTransform(cr, context);
     int clipDepth = 0;
     for (const DrawOp& op : list.ops) {
         std::visit(
@@ -417,12 +411,7 @@ void paint(cairo_t* cr, const DisplayList& list, Appearance appearance) {
                     if constexpr (std::is_same_v<T, ShapeDraw>) {
                         drawShape(cr, item, op.frame, appearance);
                     } else if constexpr (std::is_same_v<T, TextDraw>) {
-                        if (!op.transform.isIdentity()) followTransform(cr, context);
                         drawText(cr, context, item, op.frame, appearance);
-                        if (!op.transform.isIdentity()) {
-                            cairo_set_matrix(cr, &base);
-                            followTransform(cr, context);
-                        }
                     } else if constexpr (std::is_same_v<T, ImageDraw>) {
                         drawImage(cr, item, op.frame, appearance);
                     }
@@ -466,8 +455,7 @@ SurfacePtr paintToImage(const DisplayList& list, const PaintOptions& options, Im
 }
 
 std::string renderPNG(const DisplayList& list, const PaintOptions& options, ImageWorkspace& workspace) {
-    const SurfacePtr surface = paintToImage(list, options, workspace);
-    return workspace.encodePNG(surface.get());
+    return workspace.encodePNG(paintToImage(list, options, workspace));
 }
 
 std::string renderPNG(const DisplayList& list, const PaintOptions& options) {

@@ -24,7 +24,7 @@ SurfacePtr prefaultedImage(int width, int height);
 std::string encodePNG(cairo_surface_t* image);
 
 // What drawing many images in a row keeps from one to the next: the pixels
-// (cleared, not mapped afresh), the filtered rows and the compressor. Each
+// (cleared, not mapped afresh), the rows handed to deflate and the compressor. Each
 // image must be released before the next is asked for. One per thread; it
 // holds a few megabytes, so long-lived processes keep none.
 class ImageWorkspace {
@@ -38,8 +38,14 @@ public:
     SurfacePtr image(int width, int height);
     // The same bytes as encodePNG.
     std::string encodePNG(cairo_surface_t* image);
+    // The same again, taking the image: one of this workspace's own becomes
+    // the rows handed to deflate where it lies, which spares touching a
+    // second buffer the size of the image.
+    std::string encodePNG(SurfacePtr image);
 
 private:
+    std::string pngOfRows(const unsigned char* rows, std::size_t width, std::size_t height);
+
     struct Buffers;
     std::unique_ptr<Buffers> buffers_;
 };

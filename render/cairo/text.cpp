@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <deque>
 #include <mutex>
 #include <string>
 #include <unordered_map>
@@ -124,6 +125,48 @@ MeasureCache& measureCache() {
     return cache;
 }
 
+// The layouts of the last few texts measured without a width, for the
+// painter to draw as they are instead of shaping the text a second time.
+// Used with the text engine's mutex held. Empty unless a program asks for
+// it: the host keeps its memory instead.
+class LayoutShelf {
+public:
+    ~LayoutShelf() { resize(0); }
+
+    void resize(std::size_t capacity) {
+        capacity_ = capacity;
+        while (order_.size() > capacity_) dropOldest();
+    }
+    void put(const std::string& key, PangoLayout* layout) {
+        if (capacity_ == 0 || layouts_.contains(key)) return;
+        if (order_.size() == capacity_) dropOldest();
+        layouts_.emplace(key, PANGO_LAYOUT(g_object_ref(layout)));
+        order_.push_back(key);
+    }
+    // A new reference, or null.
+    PangoLayout* find(const std::string& key) const {
+        const auto it = layouts_.find(key);
+        return it == layouts_.end() ? nullptr : PANGO_LAYOUT(g_object_ref(it->second));
+    }
+
+private:
+    void dropOldest() {
+        const auto it = layouts_.find(order_.front());
+        g_object_unref(it->second);
+        layouts_.erase(it);
+        order_.pop_front();
+    }
+
+    std::size_t capacity_ = 0;
+    std::unordered_map<std::string, PangoLayout*> layouts_;
+    std::deque<std::string> order_;
+};
+
+LayoutShelf& layoutShelf() {
+    static LayoutShelf shelf;
+    return shelf;
+}
+
 }  // namespace
 
 std::string fontFamily(Design design) {
@@ -188,9 +231,20 @@ TextMetrics PangoTextMeasurer::measure(const std::vector<TextRun>& runs, std::op
     m.lines = std::max(1, pango_layout_get_line_count(layout));
     m.size = {static_cast<double>(logical.width) / PANGO_SCALE, static_cast<double>(logical.height) / PANGO_SCALE};
     m.lineHeight = m.size.height / m.lines;
+    if (!wrapWidth) layoutShelf().put(key, layout);
     g_object_unref(layout);
     measureCache().put(std::move(key), m);
     return m;
+}
+
+void keepMeasuredLayouts(std::size_t count) {
+    std::lock_guard lock(textEngine().mutex());
+    layoutShelf().resize(count);
+}
+
+PangoLayout* unwrappedTextLayout(PangoContext* context, const std::vector<TextRun>& runs) {
+    if (PangoLayout* kept = layoutShelf().find(cacheKey(runs, std::nullopt))) return kept;
+    return createTextLayout(context, runs, std::nullopt);
 }
 
 const TextMeasurer& systemTextMeasurer() {

@@ -6,6 +6,8 @@
 
 #include <pango/pangocairo.h>
 
+#include <cstddef>
+
 #include "render/layout.hpp"
 
 namespace mw::render {
@@ -33,5 +35,16 @@ std::string fontFamily(Design design);
 // A Pango layout of `runs` with the same settings the measurer uses; `width`
 // (Pango units are not used: points) wraps when given. Caller unrefs.
 PangoLayout* createTextLayout(PangoContext* context, const std::vector<TextRun>& runs, std::optional<double> wrapWidth);
+
+// Keeps the layouts of the last COUNT texts measured without a width, so
+// that drawing them takes no second shaping; 0, the default, keeps none.
+// For programs that draw what they have just laid out; a long-lived process
+// keeps the memory instead.
+void keepMeasuredLayouts(std::size_t count);
+
+// The layout of `runs` without a width: the measurer's own when it kept it
+// (shared: not to be changed), else a new one on CONTEXT. Caller unrefs;
+// called with the text engine's mutex held.
+PangoLayout* unwrappedTextLayout(PangoContext* context, const std::vector<TextRun>& runs);
 
 }  // namespace mw::render

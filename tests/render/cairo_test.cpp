@@ -115,6 +115,28 @@ TEST(Painter, SvgAndPdfDocuments) {
     EXPECT_NE(writeFile(list, "/tmp/x.gif", {}).error().find("unknown"), std::string::npos);
 }
 
+// A drawing that reuses the measurer's layouts is the drawing that sets every
+// text afresh, at either scale: one-line, shrunk, wrapped and cut texts.
+TEST(Painter, KeptLayoutsDrawWhatFreshLayoutsDraw) {
+    const View v = VStack({Text("Kept · 17%").font(Font::system(28, Weight::bold, Design::rounded)).lineLimit(1).minimumScaleFactor(0.5),
+                           Text("Kept texts wrap across the width of the frame, twice over.").font(Font::system(11)),
+                           Text("Kept, and cut at the end of its only line").font(Font::system(11)).lineLimit(1),
+                           Text("KEPT").font(Font::system(9, Weight::semibold)).tracking(0.6)},
+                          {.spacing = 4})
+                       .multilineTextAlignment(TextAlignment::center)
+                       .frame(120, 150);
+    keepMeasuredLayouts(64);
+    const DisplayList list = layout(v, {120, 150}, fonts());
+    const Pixels keptAt1 = {paintToImage(list, {.scale = 1})}, keptAt2 = {paintToImage(list, {.scale = 2})};
+    keepMeasuredLayouts(0);
+    const Pixels freshAt1 = {paintToImage(list, {.scale = 1})}, freshAt2 = {paintToImage(list, {.scale = 2})};
+    for (const auto& [kept, fresh] : {std::pair{&keptAt1, &freshAt1}, std::pair{&keptAt2, &freshAt2}}) {
+        ASSERT_GT(kept->inked(0, 0, kept->width(), kept->height()), 100);
+        for (int y = 0; y < kept->height(); ++y)
+            for (int x = 0; x < kept->width(); ++x) ASSERT_EQ(kept->at(x, y), fresh->at(x, y)) << x << "," << y;
+    }
+}
+
 // ---------------------------------------------------------------- snapshots
 //
 // Reference images live in tests/render/snapshots; MW_UPDATE_SNAPSHOTS=1

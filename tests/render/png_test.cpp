@@ -33,8 +33,7 @@ std::uint32_t& pixel(cairo_surface_t* s, int x, int y) {
 
 TEST(Png, DecodesToThePaintedPixels) {
     // Premultiplied ARGB values: opaque, translucent at several alphas,
-    // clear, and runs that the Sub filter turns into zeros. Odd widths
-    // check the row bookkeeping.
+    // clear, and runs of one colour. Odd widths check the row bookkeeping.
     const std::uint32_t palette[] = {0xFF000000, 0xFFFFFFFF, 0xFF3A7BD5, 0x80402010, 0x01010000,
                                      0xFE7F0000, 0x00000000, 0x40404040, 0xC0102030, 0xFFFFFFFF};
     for (const int width : {1, 7, 333}) {
@@ -61,23 +60,29 @@ TEST(Png, DecodesToThePaintedPixels) {
     }
 }
 
-// Memory kept from image to image is cleared for the next, whatever its size,
-// and encodes to the bytes a one-off encoding gives.
+// Memory kept from image to image (large pages for large images) is
+// cleared for the next, whatever its size and whatever the last encoding left
+// in it: an image handed over is turned into its own PNG rows. Either way
+// the bytes are those of a one-off encoding.
 TEST(Png, AWorkspaceGivesWhatFreshImagesGive) {
     ImageWorkspace workspace;
-    const int sizes[][2] = {{333, 5}, {7, 3}, {400, 9}};
+    const int sizes[][2] = {{333, 5}, {7, 3}, {800, 420}, {400, 9}, {801, 421}, {90, 30}};
+    bool handOver = false;
     for (const auto [width, height] : sizes) {
         SurfacePtr fresh = prefaultedImage(width, height);
         SurfacePtr reused = workspace.image(width, height);
         for (int y = 0; y < height; ++y) {
             for (int x = 0; x < width; ++x) {
                 ASSERT_EQ(pixel(reused.get(), x, y), 0u) << width << " at " << x << "," << y;
-                pixel(fresh.get(), x, y) = pixel(reused.get(), x, y) = 0x80402010u + static_cast<unsigned>(x % 5 + y);
+                pixel(fresh.get(), x, y) = pixel(reused.get(), x, y) = 0x80402010u + static_cast<unsigned>(x % 5 + y % 7);
             }
         }
         cairo_surface_mark_dirty(fresh.get());
         cairo_surface_mark_dirty(reused.get());
-        EXPECT_EQ(workspace.encodePNG(reused.get()), encodePNG(fresh.get())) << width;
+        const std::string expected = encodePNG(fresh.get());
+        EXPECT_EQ(handOver ? workspace.encodePNG(std::move(reused)) : workspace.encodePNG(reused.get()), expected)
+            << width << (handOver ? " handed over" : "");
+        handOver = !handOver;
     }
 }
 
