@@ -99,6 +99,14 @@ void scenario(const std::string& desktop) {
     Host host(box.hostLogPath());
     ASSERT_TRUE(waitFor([&] { return box.allShown({"focus-1", "accounts-1"}); }, 60s)) << box.hostLog();
 
+    // Layer surfaces on sway, and only there is gtk-layer-shell loaded.
+    const bool layered = desktop == "sway";
+    const auto shown = box.shown("focus-1");
+    ASSERT_TRUE(shown.has_value());
+    EXPECT_EQ(shown->value("layerShell", !layered), layered) << desktop << "\n" << box.hostLog();
+    const auto maps = readFile("/proc/" + std::to_string(host.pid()) + "/maps");
+    EXPECT_EQ(maps.find("libgtk-layer-shell") != std::string::npos, layered) << desktop;
+
     // Without layer-shell the host goes through XWayland and says why, once.
     if (desktop == "mutter") {
         EXPECT_NE(box.hostLog().find("run through XWayland"), std::string::npos) << box.hostLog();
