@@ -73,9 +73,15 @@ DesktopWatch::~DesktopWatch() {
 void DesktopWatch::applyToToolkit(render::Appearance appearance) {
     GtkSettings* settings = gtk_settings_get_default();
     if (settings == nullptr) return;
-    applying_ = true;
     applied_ = true;
-    g_object_set(settings, "gtk-application-prefer-dark-theme", appearance == render::Appearance::dark, nullptr);
+    // Any set of the property, even to the value it has, makes GTK parse its
+    // theme's style sheets again.
+    gboolean preferDark = FALSE;
+    g_object_get(settings, "gtk-application-prefer-dark-theme", &preferDark, nullptr);
+    const bool dark = appearance == render::Appearance::dark;
+    if ((preferDark != FALSE) == dark) return;
+    applying_ = true;
+    g_object_set(settings, "gtk-application-prefer-dark-theme", dark, nullptr);
     applying_ = false;
 }
 

@@ -1,6 +1,7 @@
 #include "app/host/host_application.hpp"
 
 #include <glib-unix.h>
+#include <malloc.h>
 
 #include <clocale>
 #include <cmath>
@@ -366,6 +367,10 @@ void HostApplication::build(const PlacedWidget& placed, const WidgetDeclaration&
     auto finished = [this, done = std::move(done)](std::optional<AnyTimeline> timeline) {
         if (timeline) ++counters_.timelineBuilds;
         done(std::move(timeline));
+        // A build's payload and its parse are freed by now, but their pages
+        // stay with the heap until it is trimmed. Once, when the main loop
+        // has nothing left to do (the new frames drawn), never on a timer.
+        trimHeap_ = idleOnce([] { malloc_trim(0); });
     };
     builds_->submit([this, context = providerContext(), parameters = placed.parameters, timeline = widget.timeline,
                      finished = std::move(finished)]() mutable {

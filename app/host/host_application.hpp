@@ -171,6 +171,7 @@ class HostApplication {
     std::unique_ptr<ContainerWatch> payloadWatch_;
     std::unique_ptr<FileWatch> storeWatch_;
     Source sync_;
+    Source trimHeap_;  // once the built widgets are drawn
     std::unique_ptr<MonitorWatch> monitorWatch_;
     Source storeRetry_;  // a widgets.json that did not parse is read again shortly
     unsigned storeRetries_ = 0;

@@ -97,7 +97,6 @@ WindowInput::WindowInput(GtkWindow* window, MoveMode mode, bool screenPoints, Ca
                                              [this] { perform(gesture_.moveEnded(callbacks_.position()), nullptr); });
                 return FALSE;
             });
-    buildMenu();
 }
 
 void WindowInput::perform(const GestureAction& action, const GdkEvent* event) {
@@ -106,10 +105,10 @@ void WindowInput::perform(const GestureAction& action, const GdkEvent* event) {
             return;
         case GestureAction::Kind::openMenu:
             if (event != nullptr && event->type == GDK_KEY_PRESS)
-                gtk_menu_popup_at_widget(GTK_MENU(menu_), GTK_WIDGET(window_), GDK_GRAVITY_CENTER,
+                gtk_menu_popup_at_widget(GTK_MENU(menu()), GTK_WIDGET(window_), GDK_GRAVITY_CENTER,
                                          GDK_GRAVITY_NORTH_WEST, event);
             else
-                gtk_menu_popup_at_pointer(GTK_MENU(menu_), event);
+                gtk_menu_popup_at_pointer(GTK_MENU(menu()), event);
             return;
         case GestureAction::Kind::beginMove:
             // The window manager moves the window; configure events say where to.
@@ -129,18 +128,22 @@ void WindowInput::perform(const GestureAction& action, const GdkEvent* event) {
     }
 }
 
-void WindowInput::buildMenu() {
+GtkWidget* WindowInput::menu() {
+    if (menu_ != nullptr) return menu_;
     menu_ = gtk_menu_new();
     editItem_ = menuItem(menu_, "Edit Widget…", [this] { callbacks_.edit(); });
     menuItem(menu_, "Remove Widget", [this] { callbacks_.remove(); });
     gtk_menu_shell_append(GTK_MENU_SHELL(menu_), gtk_separator_menu_item_new());
     menuItem(menu_, "Add Widget…", [this] { callbacks_.add(); });
     gtk_widget_show_all(menu_);
+    gtk_widget_set_sensitive(editItem_, editable_);
     gtk_menu_attach_to_widget(GTK_MENU(menu_), GTK_WIDGET(window_), nullptr);
+    return menu_;
 }
 
 void WindowInput::setEditable(bool editable) {
-    gtk_widget_set_sensitive(editItem_, editable);
+    editable_ = editable;
+    if (editItem_ != nullptr) gtk_widget_set_sensitive(editItem_, editable);
 }
 
 }  // namespace mw::host

@@ -41,7 +41,8 @@ class WindowInput {
 
   private:
     void perform(const GestureAction& action, const GdkEvent* event);
-    void buildMenu();
+    // The menu, built the first time it is asked for: most widgets never show it.
+    GtkWidget* menu();
 
     GtkWindow* window_;
     MoveMode mode_;
@@ -49,6 +50,7 @@ class WindowInput {
     PointerGesture gesture_;
     GtkWidget* menu_ = nullptr;  // owned by the window it is attached to
     GtkWidget* editItem_ = nullptr;
+    bool editable_ = true;
     Source restTimer_;  // a window-manager move ends when the window rests
     Connection press_, motion_, release_, configure_, key_;
 };
