@@ -15,7 +15,8 @@
 #
 # METERWICK_CONTAINER, when set to a directory, is the container the widgets
 # read (it should hold a fresh payload); otherwise `demo` writes one.
-# MW_RSS_NO_FLOOR=1 leaves the floor out. Exit status 77 when xvfb-run or
+# MW_RSS_NO_FLOOR=1 leaves the floor out; MW_RSS_SMAPS=FILE keeps a copy of
+# the host's /proc/PID/smaps, to see what its memory is. Exit status 77 when xvfb-run or
 # dbus-run-session is missing.
 set -euo pipefail
 
@@ -66,6 +67,7 @@ echo "host_hwm_kb $(awk '/^VmHWM/ {print $2}' "/proc/$pid/status")"
 echo "host_anon_kb $(awk '/^RssAnon/ {print $2}' "/proc/$pid/status")"
 echo "host_file_kb $(awk '/^RssFile/ {print $2}' "/proc/$pid/status")"
 echo "host_pss_kb $(awk '/^Pss:/ {print $2}' "/proc/$pid/smaps_rollup" 2>/dev/null || echo 0)"
+[ -n "${MW_RSS_SMAPS:-}" ] && cp "/proc/$pid/smaps" "$MW_RSS_SMAPS"
 echo "idle_seconds $idle"
 echo "timer_wakeups $(grown timerWakeUps)"
 echo "file_wakeups $(grown fileWakeUps)"
