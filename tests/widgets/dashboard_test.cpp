@@ -143,23 +143,6 @@ TEST(DashboardFormat, TableGoesCompactAsAWholeWhenOneFigureIsTooLong) {
 
 // ---------------------------------------------------------------- lookup, panels and link
 
-TEST(DashboardLookup, KeyThenToolIDThenPrimaryForHighestOnly) {
-    auto p = mw::testing::payloadOf({tool("claude", "work"), tool("codex")});
-    p.tools[0].usagePercent = 80;
-    WidgetDashboard work, claude, gemini;
-    work.subscriptionType = "work";
-    claude.subscriptionType = "claude";
-    gemini.subscriptionType = "gemini";
-    p.dashboards = {{"claude:work", work}, {"claude", claude}, {"gemini", gemini}};
-    p.primarySparklineToolID = "gemini";
-    EXPECT_EQ(dashboardRecord(entryOf(p, "claude:work"))->subscriptionType, "work");
-    p.dashboards.erase("claude:work");
-    EXPECT_EQ(dashboardRecord(entryOf(p, "claude:work"))->subscriptionType, "claude");
-    p.dashboards.erase("claude");
-    EXPECT_EQ(dashboardRecord(entryOf(p, "highest"))->subscriptionType, "gemini");
-    EXPECT_FALSE(dashboardRecord(entryOf(p, "claude:work")));  // the primary tool is for "highest" only
-}
-
 
 TEST(DashboardView, PanelsTakeTheWholeWidgetAndTheTapNamesTheResolvedTool) {
     const auto p = samplePayload(kNow);

@@ -42,8 +42,6 @@ Points curve(double from, double step, double (*value)(double hoursAgo)) {
     return points;
 }
 
-Points line(double v0, double v1) { return {{kNow - kHour, v0}, {kNow, v1}}; }
-
 // Written a minute before kNow.
 WidgetPayload payloadOf(std::vector<WidgetToolSnapshot> tools) {
     auto p = mw::testing::payloadOf(std::move(tools));
@@ -69,29 +67,6 @@ void expectInside(const std::vector<Point>& points) {
         EXPECT_GE(p.y, kTop - 1e-9);
         EXPECT_LE(p.y, kBottom + 1e-9);
     }
-}
-
-TEST(SparklineContent, CurveLookupTriesKeyThenToolIDThenPrimaryForHighestOnly) {
-    auto work = tool("claude", "work");
-    work.usagePercent = 90;
-    auto payload = payloadOf({tool("claude"), work, tool("codex")});
-    payload.primarySparklineToolID = "codex";
-    payload.sparklines["codex"] = line(3, 3);
-
-    // Nothing under the key or the toolID: only "highest" falls back to the primary curve.
-    EXPECT_EQ(sparklineCurve(entryOf(payload, kHighestUsageID)), line(3, 3));
-    EXPECT_EQ(sparklineCurve(entryOf(payload, "claude:work")), std::nullopt);
-
-    payload.sparklines["claude"] = line(2, 2);
-    EXPECT_EQ(sparklineCurve(entryOf(payload, "claude:work")), line(2, 2));
-    EXPECT_EQ(sparklineCurve(entryOf(payload, kHighestUsageID)), line(2, 2));
-
-    payload.sparklines["claude:work"] = line(1, 1);
-    EXPECT_EQ(sparklineCurve(entryOf(payload, "claude:work")), line(1, 1));
-    EXPECT_EQ(sparklineCurve(entryOf(payload, kHighestUsageID)), line(1, 1));
-
-    // A tool that does not resolve has no curve, whatever the maps hold.
-    EXPECT_EQ(sparklineCurve(entryOf(payload, "gemini")), std::nullopt);
 }
 
 TEST(SparklineContent, WindowKeepsFiveHoursAndCarriesOnePointOntoItsStart) {
