@@ -1,6 +1,5 @@
 #include "payload/codec.hpp"
 
-#include <algorithm>
 #include <tuple>
 
 #include <gtest/gtest.h>
@@ -30,28 +29,6 @@ nlohmann::json rootWith(const nlohmann::json& tool) {
 
 std::optional<WidgetPayload> decode(const nlohmann::json& j) { return decodePayload(j.dump()); }
 
-TEST(DecodePayload, EmptyObjectIsTheEmptyPayload) {
-    const auto payload = decodePayload("{}");
-    ASSERT_TRUE(payload);
-    EXPECT_EQ(*payload, emptyPayload());
-    EXPECT_EQ(payload->updatedAt, kDistantPast);
-}
-
-TEST(DecodePayload, RootsThatAreNotObjectsFail) {
-    for (const char* bytes : {"[]", "\"text\"", "42", "null", "", "{", "{\"a\":}", "{} {}"})
-        EXPECT_FALSE(decodePayload(bytes)) << bytes;
-}
-
-TEST(DecodePayload, ValidDocumentKeepsEveryKey) {
-    const auto payload = decode(rootWith(snapshotJSON()));
-    ASSERT_TRUE(payload);
-    ASSERT_EQ(payload->tools.size(), 1u);
-    EXPECT_EQ(payload->tools[0].usagePercent, 42.5);
-    EXPECT_EQ(payload->updatedAt, parseISO8601("2025-01-31T14:05:00Z"));
-    EXPECT_TRUE(payload->showRemaining);
-    EXPECT_EQ(payload->sparklines.at("claude").size(), 1u);
-}
-
 // One broken snapshot empties `tools` and nothing else.
 TEST(DecodePayload, ABadNestedRecordEmptiesOnlyItsRootKey) {
     struct Case {
@@ -67,7 +44,6 @@ TEST(DecodePayload, ABadNestedRecordEmptiesOnlyItsRootKey) {
         {"number for a bool", [](auto& s) { s["isConnected"] = 1; }, "/tools/0/isConnected", "found an integer"},
         {"bool for a double", [](auto& s) { s["usagePercent"] = true; }, "/tools/0/usagePercent", "expected a number"},
         {"fractional int", [](auto& s) { s["dangerLevel"] = 1.5; }, "/tools/0/dangerLevel", "64-bit integer"},
-        {"int beyond 64 bits", [](auto& s) { s["dangerLevel"] = 1e30; }, "/tools/0/dangerLevel", "64-bit integer"},
         {"optional of wrong type", [](auto& s) { s["accountSlug"] = 7; }, "/tools/0/accountSlug", "expected a string"},
         {"date with fraction", [](auto& s) { s["resetAt"] = "2025-01-31T14:05:00.123Z"; }, "/tools/0/resetAt",
          "not accepted"},
@@ -110,7 +86,8 @@ TEST(ReadPayload, PointersEscapeObjectKeys) {
 }
 
 TEST(ReadPayload, DocumentsThatAreRefusedWhole) {
-    for (const char* bytes : {"[]", "\"text\"", "", "{\"a\":}"}) {
+    for (const char* bytes : {"[]", "\"text\"", "42", "null", "", "{", "{\"a\":}", "{} {}"}) {
+        EXPECT_FALSE(decodePayload(bytes)) << bytes;
         const auto reading = readPayload(bytes);
         EXPECT_FALSE(reading.payload) << bytes;
         ASSERT_EQ(reading.problems.size(), 1u) << bytes;
@@ -149,6 +126,7 @@ TEST(ReadPayload, NamesEveryRootKeyThatFellBack) {
         for (const auto& problem : readPayload(bytes).problems) pointers.push_back(problem.pointer);
         return pointers;
     };
+    EXPECT_EQ(decodePayload("{}"), emptyPayload());
     EXPECT_EQ(pointersOf("{}"), (std::vector<std::string>{"/updatedAt", "/tools", "/sparklines", "/enabledToolIDs",
                                                            "/dashboards", "/showRemaining"}));
     // Each failing key falls back alone, to what the empty payload holds.
@@ -168,14 +146,6 @@ TEST(DecodePayload, SamplePayloadRoundTrips) {
     const auto decoded = decodePayload(encodePayload(sample));
     ASSERT_TRUE(decoded);
     EXPECT_EQ(*decoded, sample);
-    EXPECT_EQ(hashValue(decoded->dashboards.at("claude")), hashValue(sample.dashboards.at("claude")));
-    // Cursor reports a week of daily spend, one value a day, oldest first.
-    const auto cursor = std::find_if(sample.tools.begin(), sample.tools.end(),
-                                     [](const WidgetToolSnapshot& t) { return t.toolID == "cursor"; });
-    ASSERT_NE(cursor, sample.tools.end());
-    ASSERT_TRUE(cursor->dailyValues);
-    ASSERT_EQ(cursor->dailyValues->size(), 7u);
-    EXPECT_LT(cursor->dailyValues->front().day, cursor->dailyValues->back().day);
 }
 
 TEST(EncodePayload, OmitsAbsentOptionals) {

@@ -88,18 +88,5 @@ TEST(WidgetStore, EveryLoadSeesTheFileAsItIsNow) {
     EXPECT_TRUE(second.payload.showRemaining);
 }
 
-TEST(ReadStatus, RawValuesAreTheCaseNames) {
-    for (const auto& [status, raw] : std::vector<std::pair<ReadStatus, std::string>>{
-             {ReadStatus::ok, "ok"},
-             {ReadStatus::noContainer, "noContainer"},
-             {ReadStatus::missing, "missing"},
-             {ReadStatus::unreadable, "unreadable"},
-             {ReadStatus::decodeFailed, "decodeFailed"}}) {
-        EXPECT_EQ(rawValue(status), raw);
-        EXPECT_EQ(fromRaw<ReadStatus>(raw), status);
-    }
-    EXPECT_EQ(fromRaw<ReadStatus>("OK"), std::nullopt);
-}
-
 }  // namespace
 }  // namespace mw
