@@ -11,17 +11,6 @@ namespace {
 using testing::payloadOf;
 using testing::tool;
 
-TEST(WidgetFamily, RawValuesAndSizes) {
-    EXPECT_EQ(widgetFamilyFromRaw("systemExtraLarge"), WidgetFamily::systemExtraLarge);
-    EXPECT_EQ(rawValue(WidgetFamily::systemMedium), "systemMedium");
-    EXPECT_EQ(widgetSize(WidgetFamily::systemSmall), (WidgetSize{170, 170}));
-    EXPECT_EQ(widgetSize(WidgetFamily::systemMedium), (WidgetSize{364, 170}));
-    EXPECT_EQ(widgetSize(WidgetFamily::systemLarge), (WidgetSize{364, 382}));
-    EXPECT_EQ(widgetSize(WidgetFamily::systemExtraLarge), (WidgetSize{780, 382}));
-    EXPECT_EQ(widgetFamilyFromRaw("systemsmall"), std::nullopt);
-    EXPECT_EQ(widgetFamilyFromRaw("accessoryCircular"), std::nullopt);
-}
-
 TEST(ToolChoices, HighestFirstThenEnabledToolsInPayloadOrder) {
     auto payload = payloadOf({tool("codex"), tool("claude"), tool("gemini")});
     payload.enabledToolIDs = {"gemini", "codex"};  // the app's order does not reorder the list

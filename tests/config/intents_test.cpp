@@ -46,14 +46,6 @@ TEST(IntentDescriptions, TitlesParametersAndDefaults) {
     EXPECT_EQ(typeDisplayName(IntentParameterType::percent), "Show");
 }
 
-TEST(Intents, CreatedWithNoArgumentsHoldTheDefaults) {
-    EXPECT_EQ(AccountsLimitWidgetIntent{},
-              (AccountsLimitWidgetIntent{std::nullopt, WidgetLimitChoice::weekly, WidgetPercentChoice::left,
-                                         WidgetOrderChoice::mostRoom}));
-    EXPECT_EQ(FocusWidgetIntent{}, (FocusWidgetIntent{std::nullopt, std::nullopt}));
-    EXPECT_EQ(intentFromParameters<FocusWidgetIntent>({}, {}), FocusWidgetIntent{});
-}
-
 TEST(ParseIntent, ReadsRawValuesAndEntityIdentifiers) {
     const auto lists = choiceLists(payloadOf({tool("claude", 10, "work"), tool("codex")}));
     const auto focus = parseIntent<FocusWidgetIntent>({"tool=claude:work", "style=enhanced"}, lists);
@@ -103,14 +95,6 @@ TEST(IntentFromParameters, StoredValuesAnOlderBuildWroteAreLeftUnset) {
     const auto limit = intentFromParameters<AccountsLimitWidgetIntent>({{"limit", "monthly"}, {"percent", "used"}}, {});
     EXPECT_EQ(limit.limit, WidgetLimitChoice::weekly);
     EXPECT_EQ(limit.percent, WidgetPercentChoice::used);
-}
-
-TEST(OptionEnumerations, OnlyTheEightRawValuesMap) {
-    EXPECT_EQ(fromRaw<WidgetLimitChoice>("fiveHour"), WidgetLimitChoice::fiveHour);
-    EXPECT_EQ(fromRaw<WidgetLimitChoice>("fivehour"), std::nullopt);
-    EXPECT_EQ(fromRaw<WidgetOrderChoice>(""), std::nullopt);
-    EXPECT_EQ(acceptedRawValues(IntentParameterType::order), (std::vector<std::string_view>{"mostRoom", "app"}));
-    EXPECT_TRUE(acceptedRawValues(IntentParameterType::providerChoice).empty());
 }
 
 }  // namespace
