@@ -64,14 +64,5 @@ TEST(TimelinePolicy, DatesAlwaysAscendStrictly) {
     }
 }
 
-TEST(Staleness, BoundaryIsExactlyThirtyMinutes) {
-    const auto payload = writtenAgo(0);
-    EXPECT_FALSE(isStale(payload, kNow + 1799));
-    EXPECT_TRUE(isStale(payload, kNow + 1800));
-    EXPECT_FALSE(isStale(emptyPayload(), kNow + 1e9));  // never written: never stale
-    EXPECT_EQ(staleMoment(payload), kNow + 1800);
-    EXPECT_EQ(staleMoment(emptyPayload()), std::nullopt);
-}
-
 }  // namespace
 }  // namespace mw

@@ -114,12 +114,5 @@ TEST(Timelines, EachWidgetReportsItsKindWordAndResolvedTool) {
     EXPECT_EQ(reported(), Reported("accounts", "(none)"));
 }
 
-TEST(Timelines, HighestWithNothingToRankReportsNoTool) {
-    TempDir dir;
-    testing::writePayload(dir, payloadOf({}, kNow));
-    FocusProvider::timeline({}, contextFor(dir));
-    EXPECT_FALSE(readReport(dir).contains("resolvedToolID"));
-}
-
 }  // namespace
 }  // namespace mw
