@@ -77,10 +77,5 @@ TEST(FormatISO8601, ClampsDatesOutsideTheTextForm) {
     EXPECT_EQ(formatISO8601(Date{-1e300}), "0001-01-01T00:00:00Z");
 }
 
-TEST(Date, DistantPastIsTheFirstDayOfYearOne) {
-    EXPECT_EQ(parseISO8601("0001-01-01T00:00:00Z"), kDistantPast);
-    EXPECT_EQ(Date::fromUnix(978307200), Date{0});
-}
-
 }  // namespace
 }  // namespace mw

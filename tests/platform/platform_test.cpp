@@ -89,17 +89,12 @@ TEST(EscapeURLPath, KeepsPathCharactersAndEscapesTheRest) {
         EXPECT_EQ(escapeURLPath(c.in), c.out) << c.in;
 }
 
-TEST(ToolURL, BuildsToolLinksAndFallsBackToOpen) {
-    EXPECT_EQ(toolURL("codex-cli:work"), "meterwick://tool/codex-cli:work");
-    EXPECT_EQ(toolURL("a b"), "meterwick://tool/a%20b");
-    EXPECT_EQ(toolURL(""), "meterwick://open");
-}
-
-// Every key a widget links survives the round trip; what is not ours, or
-// is malformed, is unknown rather than a guess.
+// Every key a widget links survives the round trip, and no key links the
+// app itself; what is not ours, or is malformed, is unknown rather than a guess.
 TEST(ToolURL, ParsesWhatItBuilds) {
     for (const char* key : {"claude", "codex-cli:work", "my team", "café", "a?b#c%d", "[x]/y"})
         EXPECT_EQ(parseAppURL(toolURL(key)), (AppLink{AppLink::Kind::tool, key})) << key;
+    EXPECT_EQ(toolURL(""), "meterwick://open");
     const AppLink open{AppLink::Kind::open, {}};
     const AppLink unknown{};
     struct Case {
