@@ -123,12 +123,8 @@ TEST(PaceRings, InnerRingSitsInsideAtANinetyPercentTint) {
     EXPECT_DOUBLE_EQ(ops[5].frame.height, 8);
 }
 
-TEST(PaceTick, WithoutAPaceTheTickHasNoLengthAndFractionsAreClamped) {
-    const auto ops = shapes(lay(body(PaceRings{testing::window("none", 30), std::nullopt, kBrand, kNow})));
-    ASSERT_EQ(ops.size(), 3u);
-    EXPECT_DOUBLE_EQ(ops[2].frame.height, 0);
-    EXPECT_DOUBLE_EQ(ops[2].rotationDegrees, 0);
-
+// Without a pace the tick has no length: the model's Pace test.
+TEST(PaceTick, FractionsAreClamped) {
     for (const auto& [fraction, degrees] : {std::pair{-0.5, 0.0}, {1.5, 360.0}, {std::nan(""), 0.0}}) {
         const auto tick = shapes(lay(body(PaceTick{fraction, 4}), {40, 60}));
         ASSERT_EQ(tick.size(), 1u);
