@@ -67,16 +67,14 @@ TEST(BarLine, FollowsTheFocusDecision) {
          "claude"},
         {"left", entry(remaining, ReadStatus::ok, choice("codex")), "Cod 57% left", 57, {"ok", "none"}, "codex"},
         {"no quota", entry(payloadOf({textOnly})), "Cur $18.40", 0, {"ok", "none"}, "cursor"},
-        // Panels: stale wins over everything, then read failures, then the tool's own.
+        // Panels (which one is the Focus widget's decision): each kind its class.
         {"stale", entry(payloadOf({tool("claude")}, kNow - 1800)), "Open Meterwick", 0, {"panel", "stale"}, "claude"},
-        {"fresh by a second", entry(payloadOf({tool("claude", 5)}, kNow - 1799)), "Cla 5%", 5, {"ok", "none"}, "claude"},
         {"unreadable", entry(emptyPayload(), ReadStatus::unreadable), "Can't read widget data", 0,
          {"panel", "unreadable"}, std::nullopt},
         {"decode failed", entry(emptyPayload(), ReadStatus::decodeFailed), "Widget data unreadable", 0,
          {"panel", "decodeFailed"}, std::nullopt},
         {"turned off", entry(hidden, ReadStatus::ok, choice("codex")), "cod is turned off", 0, {"panel", "empty"},
          "codex"},
-        {"nothing connected", entry(payloadOf({})), "No providers connected", 0, {"panel", "empty"}, std::nullopt},
     };
     for (const auto& c : cases) {
         const BarLine line = barLine(c.entry);
