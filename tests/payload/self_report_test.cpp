@@ -51,14 +51,5 @@ TEST(SelfReport, FailuresAreSilent) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 0);
 }
 
-TEST(SelfReport, ALinkAtTheReportPathIsReplacedNotFollowed) {
-    TempDir dir;
-    dir.write("elsewhere", "precious");
-    std::filesystem::create_symlink(dir / "elsewhere", dir / kSelfReportFileName);
-    writeSelfReport(dir.path(), "focus", ReadStatus::ok, emptyPayload(), std::nullopt, kNow, kBundle);
-    EXPECT_EQ(testing::readFile(dir / "elsewhere"), "precious");
-    EXPECT_FALSE(std::filesystem::is_symlink(dir / kSelfReportFileName));
-}
-
 }  // namespace
 }  // namespace mw
