@@ -163,20 +163,6 @@ TEST(AccountsBoard, DataAgeShowsFromFiveMinutes) {
     EXPECT_EQ(countOf(hidden, "Live"), 0u);
 }
 
-TEST(AccountsBoard, RowsLinkToTheirAccountsInOrder) {
-    std::vector<WidgetAccount> list{account(tool("codex")), account(tool("claude", "work")),
-                                    account(tool("claude", "my team/é"))};
-    for (auto& a : list) a.snapshot.windows = std::vector{window("5h", 20)};
-    const auto drawn = draw(body(AccountsBoard{list, L, kNow, kNow, false}), L);
-    const Texts expected{"meterwick://tool/codex", "meterwick://tool/claude:work",
-                         "meterwick://tool/claude:my%20team/%C3%A9"};
-    ASSERT_EQ(drawn.links.size(), expected.size());
-    for (std::size_t i = 0; i < expected.size(); ++i) {
-        EXPECT_EQ(drawn.links[i].url, expected[i]);
-        EXPECT_NEAR(drawn.links[i].rect.width, contentSize(L).width, 1e-6);
-    }
-}
-
 TEST(AccountRows, PercentText) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     for (const auto& [used, usedText, leftText] : {std::tuple{62.9, "62%", "37%"}, {140.0, "140%", "0%"},
