@@ -1,5 +1,5 @@
-// meterwick-widgets-draw: the commands that draw, started by
-// meterwick-widgets with its own arguments (see app/drawing.hpp).
+// meterwick-widgets-draw: the commands that draw, started by the
+// meterwick-widgets launcher with its own arguments (see app/launch.hpp).
 
 #include <malloc.h>
 #include <sys/mman.h>
@@ -19,17 +19,23 @@ namespace {
 // after loading its libraries: each is a trap into the kernel, several
 // microseconds on a virtual machine, and a render first touches a few
 // megabytes of heap one page at a time (fontconfig's patterns, Pango's
-// layouts, Cairo's surfaces, the PNG compressor's tables). So the heap grows
-// once by what a large widget needs and the kernel fills it in one call;
-// large blocks come from it instead of fresh mappings of their own, and the
-// font thread shares it instead of starting an arena of its own. On kernels
-// without MADV_POPULATE_WRITE (before 5.14) the pages fault in as before.
-void populateHeap() {
+// layouts, Cairo's surfaces, the PNG compressor's tables). So large blocks
+// come from the heap instead of fresh mappings of their own, the font thread
+// shares it instead of starting an arena of its own (oneHeap, before any
+// thread starts), and the heap grows once by what a large widget needs,
+// filled by the kernel in one call (populateHeap). On kernels without
+// MADV_POPULATE_WRITE (before 5.14) the pages fault in as before.
+void oneHeap() {
 #ifndef __SANITIZE_ADDRESS__
-    constexpr std::size_t kHeap = 4 << 20;
     mallopt(M_MMAP_THRESHOLD, 64 << 20);
     mallopt(M_TRIM_THRESHOLD, 128 << 20);
     mallopt(M_ARENA_MAX, 1);
+#endif
+}
+
+void populateHeap() {
+#ifndef __SANITIZE_ADDRESS__
+    constexpr std::size_t kHeap = 4 << 20;
     void* block = std::malloc(kHeap);
     if (block == nullptr) return;
     const auto page = static_cast<std::uintptr_t>(::sysconf(_SC_PAGESIZE));
@@ -43,13 +49,14 @@ void populateHeap() {
 }  // namespace
 
 int main(int argc, char** argv) {
-    populateHeap();
+    oneHeap();
     // Every command here sets text. Fontconfig and the font map take a few
     // milliseconds to set up: that happens on a second core while the
-    // command reads its arguments, the payload and the timeline. The layouts
-    // measured are kept for the drawing that follows (a gallery's images
-    // hold a few hundred texts between them).
+    // command fills its heap and reads its arguments, the payload and the
+    // timeline. The layouts measured are kept for the drawing that follows
+    // (a gallery's images hold a few hundred texts between them).
     std::thread fonts([] { mw::render::keepMeasuredLayouts(512); });
+    populateHeap();
     const int status = mw::cli::runCommandLine(argc, argv, {mw::cli::registerRenderCommands});
     fonts.join();
     // Everything this command writes is written and closed by now. Tearing

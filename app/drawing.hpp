@@ -1,10 +1,10 @@
 #pragma once
-// The command line is two programs behind one name. `meterwick-widgets`
-// answers every command that draws nothing and loads no drawing library;
-// the commands below draw (or lay text out) and are handed, arguments
-// unchanged, to `meterwick-widgets-draw`, which links Cairo and Pango.
-// A new command that draws registers in registerRenderCommands and is listed
-// here; every other new command registers in the front program's main.cpp.
+// The command line is two programs behind one name (see app/launch.hpp).
+// `meterwick-widgets-data` answers every command that draws nothing and
+// loads no drawing library; the commands below draw (or lay text out) and go,
+// arguments unchanged, to `meterwick-widgets-draw`, which links Cairo and
+// Pango. A new command that draws registers in registerRenderCommands and is
+// listed here; every other new command registers in app/main.cpp.
 
 #include <optional>
 #include <string>
@@ -30,10 +30,6 @@ inline constexpr DrawingCommand kDrawingCommands[] = {
 
 inline constexpr std::string_view kDrawingProgramName = "meterwick-widgets-draw";
 
-// The command word in ARGS (argv without the program name): the first
-// argument that is neither an option nor the value of a global option.
-std::optional<std::string_view> commandWord(int argc, const char* const* argv);
-
 // The description --help gives for the drawing command NAME.
 inline std::string drawingCommandDescription(std::string_view name) {
     for (const auto& command : kDrawingCommands)
@@ -41,11 +37,9 @@ inline std::string drawingCommandDescription(std::string_view name) {
     return {};
 }
 
-// Whether WORD names a command that draws.
-bool isDrawingCommand(std::string_view word);
-
-// Replaces this process with the drawing program, given the same ARGV;
-// returns the exit status only when that program cannot be started.
+// Replaces this process with the drawing program, given the same ARGV, for a
+// drawing command that reaches the other program directly; returns the exit
+// status only when that program cannot be started.
 int handOffToDrawing(char** argv);
 
 // The drawing commands' names and descriptions, so that --help lists them.

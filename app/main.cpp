@@ -1,4 +1,5 @@
-// meterwick-widgets: the widget extension on the command line. Commands are
+// meterwick-widgets-data, started as meterwick-widgets by the launcher (see
+// app/launch.hpp): the widget extension on the command line. Commands are
 // registered by group; to add one, write a register function in its own file
 // (see app/cli.hpp) and list it below. Commands that draw live in the
 // drawing program instead (see app/drawing.hpp): this one loads no drawing
@@ -6,6 +7,7 @@
 
 #include "app/cli.hpp"
 #include "app/drawing.hpp"
+#include "app/launch.hpp"
 
 int main(int argc, char** argv) {
     using namespace mw::cli;
