@@ -7,8 +7,13 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <exception>
+#include <new>
 #include <optional>
+#include <thread>
 #include <utility>
+
+#include "render/cairo/deflate_join.hpp"
 
 namespace mw::render {
 
@@ -142,6 +147,62 @@ void unpremultipliedRow(const unsigned char* source, std::size_t width, unsigned
     row[0] = 0;  // no filter
 }
 
+// An image's pixels, SOURCE rows STRIDE bytes apart, and where their PNG
+// rows go. ROWS may be SOURCE itself (see encodePNG(SurfacePtr)).
+struct RowsJob {
+    const unsigned char* source;
+    std::size_t stride;
+    unsigned char* rows;
+    std::size_t width;
+
+    std::size_t rowBytes() const { return 1 + 4 * width; }
+    // Rows [FIRST, END), from the last to the first; row FIRST's pixels are
+    // read from FIRSTSOURCE.
+    void convert(std::size_t first, std::size_t end, const unsigned char* firstSource) const {
+        for (std::size_t y = end; y-- > first;)
+            unpremultipliedRow(y == first ? firstSource : source + y * stride, width, rows + y * rowBytes());
+    }
+};
+
+// Images whose PNG rows come to at least this many bytes are converted and
+// compressed in two halves at once, one on a second thread. Below it,
+// starting the thread and joining the streams cost more than they save.
+constexpr std::size_t kTwoHalvesBytes = std::size_t{1} << 20;
+
+// A PNG file's bytes before IDAT's data (signature, IHDR, IDAT's length and
+// type) and after it (IDAT's CRC, IEND).
+constexpr std::size_t kIdatDataAt = 8 + (8 + 13 + 4) + 8;
+constexpr std::size_t kAfterIdat = 4 + (8 + 4);
+
+void store32(unsigned char* at, std::uint32_t v) {
+    at[0] = static_cast<unsigned char>(v >> 24);
+    at[1] = static_cast<unsigned char>(v >> 16);
+    at[2] = static_cast<unsigned char>(v >> 8);
+    at[3] = static_cast<unsigned char>(v);
+}
+
+// The PNG file of a WIDTH × HEIGHT RGBA image around the IDATLENGTH bytes
+// of IDAT data already at kIdatDataAt in BYTES.
+std::string pngFile(unsigned char* bytes, std::size_t width, std::size_t height, std::size_t idatLength) {
+    std::memcpy(bytes, "\x89PNG\r\n\x1a\n", 8);
+    std::size_t at = 8;
+    // A chunk is length, type, data and the CRC of type and data.
+    const auto chunk = [&](const char* type, std::size_t length) {
+        store32(bytes + at, static_cast<std::uint32_t>(length));
+        std::memcpy(bytes + at + 4, type, 4);
+        store32(bytes + at + 8 + length, libdeflate_crc32(0, bytes + at + 4, length + 4));
+        at += 8 + length + 4;
+    };
+    store32(bytes + at + 8, static_cast<std::uint32_t>(width));
+    store32(bytes + at + 12, static_cast<std::uint32_t>(height));
+    const unsigned char rest[5] = {8, 6, 0, 0, 0};  // 8 bits, RGBA, deflate, adaptive filters, no interlace
+    std::memcpy(bytes + at + 16, rest, 5);
+    chunk("IHDR", 13);
+    chunk("IDAT", idatLength);
+    chunk("IEND", 0);
+    return std::string(reinterpret_cast<const char*>(bytes), at);
+}
+
 }  // namespace
 
 struct ImageWorkspace::Buffers {
@@ -150,10 +211,112 @@ struct ImageWorkspace::Buffers {
     Mapping rows;
     std::unique_ptr<unsigned char[]> out;
     std::size_t outSize = 0;
+    std::unique_ptr<unsigned char[]> aside;  // one row's pixels, for two halves in place
+    std::size_t asideSize = 0;
     libdeflate_compressor* compressor = nullptr;
+    libdeflate_compressor* secondCompressor = nullptr;  // the second half's, on its own thread
 
     ~Buffers() {
         if (compressor != nullptr) libdeflate_free_compressor(compressor);
+        if (secondCompressor != nullptr) libdeflate_free_compressor(secondCompressor);
+    }
+
+    // The PNG of the image JOB converts, of HEIGHT rows; empty when memory
+    // or the compressor fails.
+    std::string encode(const RowsJob& job, std::size_t height) {
+        const std::size_t size = job.rowBytes() * height;
+        if (compressor == nullptr) compressor = libdeflate_alloc_compressor(kCompressionLevel);
+        if (compressor == nullptr) return {};
+        bool converted = false;
+        std::size_t idat = size >= kTwoHalvesBytes ? deflateInTwo(job, height, converted) : 0;
+        if (idat == 0) {
+            if (!converted) job.convert(0, height, job.source);
+            const std::size_t bound = libdeflate_zlib_compress_bound(compressor, size);
+            unsigned char* bytes = output(bound);
+            if (bytes == nullptr) return {};
+            idat = libdeflate_zlib_compress(compressor, job.rows, size, bytes + kIdatDataAt, bound);
+            if (idat == 0) return {};
+        }
+        return pngFile(out.get(), job.width, height, idat);
+    }
+
+private:
+    // Room for a PNG file with up to IDAT bytes of IDAT data. The buffer is
+    // left uninitialised: only the compressed bytes, a few percent of the
+    // bound, are ever touched; the file is copied out at its final size.
+    unsigned char* output(std::size_t idat) {
+        const std::size_t capacity = kIdatDataAt + idat + kAfterIdat;
+        if (outSize < capacity) {
+            out.reset(new (std::nothrow) unsigned char[capacity]);
+            outSize = out ? capacity : 0;
+        }
+        return out.get();
+    }
+
+    // Converts and deflates rows [0, k) on this thread while a second thread
+    // does rows [k, HEIGHT), then joins the two raw DEFLATE streams into one
+    // zlib stream at kIdatDataAt: its length, or 0 when the image is to be
+    // done in one piece instead. CONVERTED tells whether every row has been
+    // converted all the same (then only the compression is left to redo).
+    std::size_t deflateInTwo(const RowsJob& job, std::size_t height, bool& converted) {
+        const std::size_t k = height / 2, w = job.width, rowBytes = job.rowBytes();
+        const bool inPlace = job.rows == job.source;
+        // In place, the first half's rows end k bytes past where its pixels
+        // did, over the start of row k's pixels: the second thread reads
+        // those last, so it takes them from a copy made before either starts.
+        // Were k more than a row's pixel bytes, the first half would reach
+        // rows after k, which nothing copies.
+        if (inPlace && (k > 4 * w || job.stride != 4 * w)) return 0;
+        if (secondCompressor == nullptr) secondCompressor = libdeflate_alloc_compressor(kCompressionLevel);
+        if (secondCompressor == nullptr) return 0;
+        const std::size_t firstSize = k * rowBytes, secondSize = (height - k) * rowBytes;
+        const std::size_t firstBound = libdeflate_deflate_compress_bound(compressor, firstSize);
+        const std::size_t secondBound = libdeflate_deflate_compress_bound(secondCompressor, secondSize);
+        // The zlib header, the first stream and what joins it to the second,
+        // the second (written further on, then moved down), the Adler-32.
+        unsigned char* bytes = output(2 + firstBound + kDeflateContinueBytes + secondBound + 4);
+        if (bytes == nullptr) return 0;
+        const unsigned char* rowK = job.source + k * job.stride;
+        if (inPlace) {
+            if (asideSize < 4 * w) {
+                aside.reset(new (std::nothrow) unsigned char[4 * w]);
+                asideSize = aside ? 4 * w : 0;
+            }
+            if (!aside) return 0;
+            std::memcpy(aside.get(), rowK, 4 * w);
+            rowK = aside.get();
+        }
+        unsigned char* const zlib = bytes + kIdatDataAt;
+        unsigned char* const first = zlib + 2;
+        unsigned char* const second = first + firstBound + kDeflateContinueBytes;
+        const unsigned char* const secondRows = job.rows + firstSize;
+        std::size_t secondLength = 0;
+        std::uint32_t secondAdler = 0;
+        std::thread helper;
+        try {
+            helper = std::thread([&, rowK] {
+                job.convert(k, height, rowK);
+                secondLength =
+                    libdeflate_deflate_compress(secondCompressor, secondRows, secondSize, second, secondBound);
+                secondAdler = libdeflate_adler32(1, secondRows, secondSize);
+            });
+        } catch (const std::exception&) {
+            return 0;  // nothing converted yet
+        }
+        job.convert(0, k, job.source);
+        const std::size_t firstLength = libdeflate_deflate_compress(compressor, job.rows, firstSize, first, firstBound);
+        const std::uint32_t firstAdler = libdeflate_adler32(1, job.rows, firstSize);
+        const auto final = firstLength > 0 ? finalDeflateBlock(first, firstLength) : std::nullopt;
+        helper.join();
+        converted = true;
+        if (!final || secondLength == 0) return 0;
+
+        zlib[0] = 0x78;  // deflate, 32 KB window
+        zlib[1] = 0x01;  // fastest level; the header's check bits
+        const std::size_t secondAt = continueDeflateStream(first, *final);
+        std::memmove(first + secondAt, second, secondLength);
+        store32(first + secondAt + secondLength, adler32Combine(firstAdler, secondAdler, secondSize));
+        return 2 + secondAt + secondLength + 4;
     }
 };
 
@@ -219,11 +382,8 @@ std::string ImageWorkspace::encodePNG(cairo_surface_t* image) {
         b.rows = Mapping();
         b.rows = Mapping(rowBytes * h);
     }
-    unsigned char* rows = b.rows.bytes();
-    if (rows == nullptr) return {};
-    for (std::size_t y = 0; y < h; ++y)
-        unpremultipliedRow(data + y * stride, w, rows + y * rowBytes);
-    return pngOfRows(rows, w, h);
+    if (b.rows.bytes() == nullptr) return {};
+    return b.encode({data, stride, b.rows.bytes(), w}, h);
 }
 
 std::string ImageWorkspace::encodePNG(SurfacePtr image) {
@@ -236,66 +396,7 @@ std::string ImageWorkspace::encodePNG(SurfacePtr image) {
     // Row y moves from y·4w to y·(4w + 1): never below where it was, so going
     // from the last row to the first, and along each row from its end, every
     // pixel is read before anything is written over it.
-    for (std::size_t y = h; y-- > 0;) unpremultipliedRow(data + y * stride, w, data + y * rowBytes);
-    return pngOfRows(data, w, h);
-}
-
-std::string ImageWorkspace::pngOfRows(const unsigned char* rows, std::size_t w, std::size_t h) {
-    auto& b = *buffers_;
-    const std::size_t rowsSize = (1 + 4 * w) * h;
-    if (b.compressor == nullptr) b.compressor = libdeflate_alloc_compressor(kCompressionLevel);
-    if (b.compressor == nullptr) return {};
-    // The whole file is assembled in a buffer kept uninitialised (only the
-    // compressed bytes, a few percent of the bound, are ever touched), then
-    // copied out at its final size.
-    const std::size_t bound = libdeflate_zlib_compress_bound(b.compressor, rowsSize);
-    const std::size_t capacity = 8 + (8 + 13 + 4) + (8 + bound + 4) + (8 + 4);
-    if (b.outSize < capacity) {
-        b.out.reset(new unsigned char[capacity]);
-        b.outSize = capacity;
-    }
-    unsigned char* bytes = b.out.get();
-    std::size_t at = 0;
-    const auto put = [&](const void* source, std::size_t n) {
-        std::memcpy(bytes + at, source, n);
-        at += n;
-    };
-    const auto put32 = [&](std::uint32_t v) {
-        const unsigned char be[4] = {static_cast<unsigned char>(v >> 24), static_cast<unsigned char>(v >> 16),
-                                     static_cast<unsigned char>(v >> 8), static_cast<unsigned char>(v)};
-        put(be, 4);
-    };
-    // A chunk is length, type, data and the CRC of type and data; `fill`
-    // writes the data at `at` and returns its length.
-    const auto chunk = [&](const char* type, auto fill) {
-        const std::size_t lengthAt = at;
-        at += 4;
-        put(type, 4);
-        const std::size_t length = fill();
-        const std::size_t dataEnd = at;
-        at = lengthAt;
-        put32(static_cast<std::uint32_t>(length));
-        at = dataEnd;
-        put32(libdeflate_crc32(0, bytes + lengthAt + 4, length + 4));
-    };
-    put("\x89PNG\r\n\x1a\n", 8);
-    chunk("IHDR", [&] {
-        put32(static_cast<std::uint32_t>(w));
-        put32(static_cast<std::uint32_t>(h));
-        const unsigned char rest[5] = {8, 6, 0, 0, 0};  // 8 bits, RGBA, deflate, adaptive filters, no interlace
-        put(rest, 5);
-        return std::size_t{13};
-    });
-    bool compressed = true;
-    chunk("IDAT", [&] {
-        const std::size_t n = libdeflate_zlib_compress(b.compressor, rows, rowsSize, bytes + at, bound);
-        compressed = n > 0;
-        at += n;
-        return n;
-    });
-    chunk("IEND", [] { return std::size_t{0}; });
-    if (!compressed) return {};
-    return std::string(reinterpret_cast<const char*>(bytes), at);
+    return b.encode({data, stride, data, w}, h);
 }
 
 SurfacePtr prefaultedImage(int width, int height) {
@@ -312,6 +413,8 @@ SurfacePtr prefaultedImage(int width, int height) {
     return surface;
 }
 
-std::string encodePNG(cairo_surface_t* image) { return ImageWorkspace().encodePNG(image); }
+std::string encodePNG(cairo_surface_t* image) {
+    return ImageWorkspace().encodePNG(image);
+}
 
 }  // namespace mw::render

@@ -24,9 +24,11 @@ SurfacePtr prefaultedImage(int width, int height);
 std::string encodePNG(cairo_surface_t* image);
 
 // What drawing many images in a row keeps from one to the next: the pixels
-// (cleared, not mapped afresh), the rows handed to deflate and the compressor. Each
-// image must be released before the next is asked for. One per thread; it
-// holds a few megabytes, so long-lived processes keep none.
+// (cleared, not mapped afresh), the rows handed to deflate and the
+// compressors (a large image is encoded in two halves at once, the second on
+// a thread of its own while the call lasts). Each image must be released
+// before the next is asked for. One per thread; it holds a few megabytes, so
+// long-lived processes keep none.
 class ImageWorkspace {
 public:
     ImageWorkspace();
@@ -44,8 +46,6 @@ public:
     std::string encodePNG(SurfacePtr image);
 
 private:
-    std::string pngOfRows(const unsigned char* rows, std::size_t width, std::size_t height);
-
     struct Buffers;
     std::unique_ptr<Buffers> buffers_;
 };
