@@ -6,6 +6,7 @@ MW_ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 
 MW_PACKAGES=(
   g++ cmake make pkg-config ccache
+  zlib1g-dev   # only the tests: an independent inflater for the PNG encoder's streams
   nlohmann-json3-dev libcli11-dev
   libcairo2-dev libpango1.0-dev fonts-inter libdeflate-dev
   libgtest-dev libgmock-dev libbenchmark-dev

@@ -167,7 +167,7 @@ struct RowsJob {
 // Images whose PNG rows come to at least this many bytes are converted and
 // compressed in two halves at once, one on a second thread. Below it,
 // starting the thread and joining the streams cost more than they save.
-constexpr std::size_t kTwoHalvesBytes = std::size_t{1} << 20;
+constexpr std::size_t kTwoHalvesBytes = std::size_t{512} << 10;
 
 // A PNG file's bytes before IDAT's data (signature, IHDR, IDAT's length and
 // type) and after it (IDAT's CRC, IEND).

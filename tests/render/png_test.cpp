@@ -2,6 +2,7 @@
 // independent decoder (Cairo's, through libpng; zlib) as the same pixels.
 
 #include <cairo.h>
+#include <libdeflate.h>
 #include <zlib.h>
 
 #include <cstdint>
@@ -117,6 +118,49 @@ std::string inflatedRows(const std::string& png, std::size_t size) {
     return rows;
 }
 
+// Raw DEFLATE from zlib, ending in each kind of final block (stored,
+// fixed and dynamic Huffman).
+std::string deflated(const std::string& data, int level, int strategy) {
+    z_stream z{};
+    deflateInit2(&z, level, Z_DEFLATED, -15, 8, strategy);
+    std::string out(deflateBound(&z, data.size()), '\0');
+    z.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data.data()));
+    z.avail_in = static_cast<uInt>(data.size());
+    z.next_out = reinterpret_cast<Bytef*>(out.data());
+    z.avail_out = static_cast<uInt>(out.size());
+    deflate(&z, Z_FINISH);
+    out.resize(z.total_out);
+    deflateEnd(&z);
+    return out;
+}
+
+// A raw DEFLATE stream inflated by zlib, and the bit its final block ends
+// at: zlib, stopped block by block, says when it has just decoded the last
+// block's end code and how many of the bits it took are left over.
+struct Inflated {
+    std::string data;
+    std::size_t endBit = 0;
+};
+std::optional<Inflated> inflatedRaw(const std::string& stream, std::size_t limit = 1 << 16) {
+    z_stream z{};
+    inflateInit2(&z, -15);
+    Inflated out{std::string(limit, '\0')};
+    z.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(stream.data()));
+    z.avail_in = static_cast<uInt>(stream.size());
+    z.next_out = reinterpret_cast<Bytef*>(out.data.data());
+    z.avail_out = static_cast<uInt>(out.data.size());
+    constexpr int kLastBlock = 64, kAfterEndCode = 128;
+    int status = Z_OK;
+    while (status == Z_OK && (z.data_type & (kLastBlock | kAfterEndCode)) != (kLastBlock | kAfterEndCode))
+        status = inflate(&z, Z_BLOCK);
+    out.endBit = 8 * z.total_in - static_cast<std::size_t>(z.data_type & 63);
+    if (status == Z_OK) status = inflate(&z, Z_FINISH);
+    out.data.resize(z.total_out);
+    inflateEnd(&z);
+    if (status != Z_STREAM_END || z.avail_in != 0) return std::nullopt;
+    return out;
+}
+
 // Large images are converted and compressed in two halves at once and the
 // two streams joined. Whatever their content (long runs and fine detail,
 // noise, smooth gradients, odd widths) they inflate to
@@ -197,6 +241,17 @@ TEST(Png, LargeImagesInTwoHalvesInflateToTheRowsOfOnePiece) {
         }
         ASSERT_EQ(expected.size(), rowBytes * c.height) << c.name;
 
+        // The end of libdeflate's streams is found where zlib finds it (were
+        // they refused, images would quietly go in one piece).
+        libdeflate_compressor* compressor = libdeflate_alloc_compressor(1);
+        std::string stream(libdeflate_deflate_compress_bound(compressor, expected.size()), '\0');
+        stream.resize(libdeflate_deflate_compress(compressor, expected.data(), expected.size(), stream.data(),
+                                                  stream.size()));
+        libdeflate_free_compressor(compressor);
+        const auto final = finalDeflateBlock(reinterpret_cast<const unsigned char*>(stream.data()), stream.size());
+        ASSERT_TRUE(final) << c.name;
+        EXPECT_EQ(final->endBit, inflatedRaw(stream, expected.size() + 1).value().endBit) << c.name;
+
         EXPECT_TRUE(inflatedRows(workspace.encodePNG(source.get()), expected.size()) == expected) << c.name;
         SurfacePtr own = workspace.image(c.width, c.height);
         std::memcpy(cairo_image_surface_get_data(own.get()), data, static_cast<std::size_t>(stride) * c.height);
@@ -204,49 +259,6 @@ TEST(Png, LargeImagesInTwoHalvesInflateToTheRowsOfOnePiece) {
         EXPECT_TRUE(inflatedRows(workspace.encodePNG(std::move(own)), expected.size()) == expected)
             << c.name << " in place";
     }
-}
-
-// Raw DEFLATE from zlib, ending in each kind of final block (stored,
-// fixed and dynamic Huffman).
-std::string deflated(const std::string& data, int level, int strategy) {
-    z_stream z{};
-    deflateInit2(&z, level, Z_DEFLATED, -15, 8, strategy);
-    std::string out(deflateBound(&z, data.size()), '\0');
-    z.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data.data()));
-    z.avail_in = static_cast<uInt>(data.size());
-    z.next_out = reinterpret_cast<Bytef*>(out.data());
-    z.avail_out = static_cast<uInt>(out.size());
-    deflate(&z, Z_FINISH);
-    out.resize(z.total_out);
-    deflateEnd(&z);
-    return out;
-}
-
-// A raw DEFLATE stream inflated by zlib, and the bit its final block ends
-// at: zlib, stopped block by block, says when it has just decoded the last
-// block's end code and how many of the bits it took are left over.
-struct Inflated {
-    std::string data;
-    std::size_t endBit = 0;
-};
-std::optional<Inflated> inflatedRaw(const std::string& stream) {
-    z_stream z{};
-    inflateInit2(&z, -15);
-    Inflated out{std::string(1 << 16, '\0')};
-    z.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(stream.data()));
-    z.avail_in = static_cast<uInt>(stream.size());
-    z.next_out = reinterpret_cast<Bytef*>(out.data.data());
-    z.avail_out = static_cast<uInt>(out.data.size());
-    constexpr int kLastBlock = 64, kAfterEndCode = 128;
-    int status = Z_OK;
-    while (status == Z_OK && (z.data_type & (kLastBlock | kAfterEndCode)) != (kLastBlock | kAfterEndCode))
-        status = inflate(&z, Z_BLOCK);
-    out.endBit = 8 * z.total_in - static_cast<std::size_t>(z.data_type & 63);
-    if (status == Z_OK) status = inflate(&z, Z_FINISH);
-    out.data.resize(z.total_out);
-    inflateEnd(&z);
-    if (status != Z_STREAM_END || z.avail_in != 0) return std::nullopt;
-    return out;
 }
 
 TEST(DeflateJoin, StreamsGoOnAfterEveryKindOfFinalBlock) {
