@@ -23,22 +23,27 @@ SurfacePtr prefaultedImage(int width, int height);
 // PNG bytes of an ARGB32 image surface; empty for any other surface.
 std::string encodePNG(cairo_surface_t* image);
 
+// How many cores encoding one large image may take: `two` converts and
+// compresses its halves at once, the second on a thread of its own while the
+// call lasts; `one` suits a caller that already keeps the other core busy
+// (encoding one image while painting the next). The files differ slightly;
+// their pixels do not.
+enum class EncodeCores { one, two };
+
 // What drawing many images in a row keeps from one to the next: the pixels
 // (cleared, not mapped afresh), the rows handed to deflate and the
-// compressors (a large image is encoded in two halves at once, the second on
-// a thread of its own while the call lasts). Each image must be released
-// before the next is asked for. One per thread; it holds a few megabytes, so
-// long-lived processes keep none.
+// compressors. Each image must be released before the next is asked for. One
+// per thread; it holds a few megabytes, so long-lived processes keep none.
 class ImageWorkspace {
 public:
-    ImageWorkspace();
+    explicit ImageWorkspace(EncodeCores cores = EncodeCores::two);
     ~ImageWorkspace();
     ImageWorkspace(const ImageWorkspace&) = delete;
     ImageWorkspace& operator=(const ImageWorkspace&) = delete;
 
     // A transparent ARGB32 image in this workspace's memory.
     SurfacePtr image(int width, int height);
-    // The same bytes as encodePNG.
+    // The same bytes as encodePNG (on two cores).
     std::string encodePNG(cairo_surface_t* image);
     // The same again, taking the image: one of this workspace's own becomes
     // the rows handed to deflate where it lies, which spares touching a
