@@ -6,7 +6,6 @@
 // Pango. A new command that draws registers in registerRenderCommands and is
 // listed here; every other new command registers in app/main.cpp.
 
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -36,11 +35,6 @@ inline std::string drawingCommandDescription(std::string_view name) {
         if (command.name == name) return std::string(command.description);
     return {};
 }
-
-// Replaces this process with the drawing program, given the same ARGV, for a
-// drawing command that reaches the other program directly; returns the exit
-// status only when that program cannot be started.
-int handOffToDrawing(char** argv);
 
 // The drawing commands' names and descriptions, so that --help lists them.
 struct GlobalOptions;

@@ -3,13 +3,8 @@
 
 #include "app/cli.hpp"
 #include "app/drawing.hpp"
-#include "app/launch.hpp"
 
 namespace mw::cli {
-int handOffToDrawing(char** argv) {
-    return startProgram(kDrawingProgramName, argv);
-}
-
 void registerDrawingCommandNames(CLI::App& app, const GlobalOptions&) {
     for (const auto& command : kDrawingCommands)
         app.add_subcommand(std::string(command.name), std::string(command.description))->allow_extras();

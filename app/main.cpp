@@ -11,7 +11,9 @@
 
 int main(int argc, char** argv) {
     using namespace mw::cli;
-    if (const auto word = commandWord(argc, argv); word && isDrawingCommand(*word)) return handOffToDrawing(argv);
+    // A drawing command given to this program directly goes on to the drawing one.
+    if (const auto word = commandWord(argc, argv); word && isDrawingCommand(*word))
+        return startProgram(kDrawingProgramName, argv);
     return runCommandLine(argc, argv,
                           {registerWidgetCommands, registerChoiceCommands, registerPlaceCommands, registerBarCommand,
                            registerDoctorCommand, registerDrawingCommandNames, registerCheckCommands});
