@@ -1,3 +1,6 @@
+// The drawing commands as the data program lists them in --help; running
+// one starts the drawing program instead (app/main.cpp).
+
 #include <CLI/CLI.hpp>
 #include <string>
 
