@@ -220,7 +220,6 @@ struct ImageWorkspace::Buffers {
     std::size_t asideSize = 0;
     libdeflate_compressor* compressor = nullptr;
     libdeflate_compressor* secondCompressor = nullptr;  // the second half's, on its own thread
-    bool twoCores = true;
 
     ~Buffers() {
         if (compressor != nullptr) libdeflate_free_compressor(compressor);
@@ -234,7 +233,7 @@ struct ImageWorkspace::Buffers {
         if (compressor == nullptr) compressor = libdeflate_alloc_compressor(kCompressionLevel);
         if (compressor == nullptr) return {};
         bool converted = false;
-        std::size_t idat = twoCores && size >= kTwoHalvesBytes ? deflateInTwo(job, height, converted) : 0;
+        std::size_t idat = size >= kTwoHalvesBytes ? deflateInTwo(job, height, converted) : 0;
         if (idat == 0) {
             if (!converted) job.convert(0, height, job.source);
             const std::size_t bound = libdeflate_zlib_compress_bound(compressor, size);
@@ -326,9 +325,7 @@ private:
     }
 };
 
-ImageWorkspace::ImageWorkspace(EncodeCores cores) : buffers_(std::make_unique<Buffers>()) {
-    buffers_->twoCores = cores == EncodeCores::two;
-}
+ImageWorkspace::ImageWorkspace() : buffers_(std::make_unique<Buffers>()) {}
 ImageWorkspace::~ImageWorkspace() = default;
 
 SurfacePtr ImageWorkspace::image(int width, int height) {

@@ -23,20 +23,15 @@ SurfacePtr prefaultedImage(int width, int height);
 // PNG bytes of an ARGB32 image surface; empty for any other surface.
 std::string encodePNG(cairo_surface_t* image);
 
-// How many cores encoding one large image may take: `two` converts and
-// compresses its halves at once, the second on a thread of its own while the
-// call lasts; `one` suits a caller that already keeps the other core busy
-// (encoding one image while painting the next). The files differ slightly;
-// their pixels do not.
-enum class EncodeCores { one, two };
-
 // What drawing many images in a row keeps from one to the next: the pixels
 // (cleared, not mapped afresh), the rows handed to deflate and the
 // compressors. Each image must be released before the next is asked for. One
 // per thread; it holds a few megabytes, so long-lived processes keep none.
+// A large image is converted and compressed in two halves at once, the
+// second on a thread of its own while the call lasts.
 class ImageWorkspace {
 public:
-    explicit ImageWorkspace(EncodeCores cores = EncodeCores::two);
+    ImageWorkspace();
     ~ImageWorkspace();
     ImageWorkspace(const ImageWorkspace&) = delete;
     ImageWorkspace& operator=(const ImageWorkspace&) = delete;

@@ -166,7 +166,7 @@ std::optional<Inflated> inflatedRaw(const std::string& stream, std::size_t limit
 // noise, smooth gradients, odd widths) they inflate to
 // exactly the rows of images small enough to go in one piece: the same image
 // taken in bands of a few rows. Both encoders are checked: into separate rows
-// and in place in a workspace's own image; and a workspace kept to one core.
+// and in place in a workspace's own image.
 TEST(Png, LargeImagesInTwoHalvesInflateToTheRowsOfOnePiece) {
     const auto detail = [](cairo_t* cr, int w, int h) {
         cairo_set_source_rgb(cr, 0.96, 0.95, 0.93);
@@ -221,7 +221,7 @@ TEST(Png, LargeImagesInTwoHalvesInflateToTheRowsOfOnePiece) {
         {"gradient", 1001, 700, gradient},
         {"tall and narrow", 60, 7000, detail},  // too tall to split in place
     };
-    ImageWorkspace workspace, oneCore(EncodeCores::one);
+    ImageWorkspace workspace;
     for (const auto& c : cases) {
         SurfacePtr source = prefaultedImage(c.width, c.height);
         cairo_t* cr = cairo_create(source.get());
@@ -253,7 +253,6 @@ TEST(Png, LargeImagesInTwoHalvesInflateToTheRowsOfOnePiece) {
         EXPECT_EQ(final->endBit, inflatedRaw(stream, expected.size() + 1).value().endBit) << c.name;
 
         EXPECT_TRUE(inflatedRows(workspace.encodePNG(source.get()), expected.size()) == expected) << c.name;
-        EXPECT_TRUE(inflatedRows(oneCore.encodePNG(source.get()), expected.size()) == expected) << c.name;
         SurfacePtr own = workspace.image(c.width, c.height);
         std::memcpy(cairo_image_surface_get_data(own.get()), data, static_cast<std::size_t>(stride) * c.height);
         cairo_surface_mark_dirty(own.get());
