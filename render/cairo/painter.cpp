@@ -309,22 +309,41 @@ void drawText(cairo_t* cr, PangoContext* context, const TextDraw& t, Rect f, App
     if (c.a <= 0 || t.runs.empty()) return;
     std::lock_guard lock(textEngine().mutex());
     // The text already fits its frame. Text that layout kept on one line is
-    // set without a width (Pango's line breaking counts the letter spacing
-    // trimmed from line ends, and would wrap it), as it was measured, and
-    // placed by its frame's alignment; otherwise it is set again with the
-    // small allowance that keeps rounding from rewrapping, and the ellipsis
-    // is a guard should a face differ.
-    PangoLayout* layout = unwrappedTextLayout(context, t.runs);
-    PangoRectangle logical;
-    pango_layout_get_extents(layout, nullptr, &logical);
-    const bool fitsOnOneLine = pango_layout_get_line_count(layout) == 1 &&
-                               static_cast<double>(logical.width) / PANGO_SCALE <= f.width + 0.5;
+    // set without a width, as it was measured (a glyph line where one
+    // serves; Pango's line breaking counts the letter spacing trimmed from
+    // line ends, and would wrap it), and placed by its frame's alignment;
+    // otherwise Pango sets it again with the small allowance that keeps
+    // rounding from rewrapping, and the ellipsis is a guard should a face
+    // differ.
+    auto [layout, line] = unwrappedText(context, t.runs);
+    int width = 0;
+    if (line) {
+        width = line->width;
+    } else {
+        PangoRectangle logical;
+        pango_layout_get_extents(layout, nullptr, &logical);
+        width = pango_layout_get_line_count(layout) == 1 ? logical.width : -1;
+    }
+    const bool fitsOnOneLine = width >= 0 && static_cast<double>(width) / PANGO_SCALE <= f.width + 0.5;
+    // Cairo's image backend of this generation puts every glyph on a whole
+    // pixel: at one pixel per point the rounding shows as uneven letter
+    // spacing ("On pa ce"). Filled outlines keep each glyph where the
+    // unhinted metrics put it. At two pixels per point and up the glyph
+    // cache is used: its rounding is half as large and no longer visible.
+    const bool asPath = rasterScale(cr) < 2;
     if (fitsOnOneLine) {
-        const double free = f.width - static_cast<double>(logical.width) / PANGO_SCALE;
+        const double free = f.width - static_cast<double>(width) / PANGO_SCALE;
         if (t.alignment == TextAlignment::center) f.x += free / 2;
         if (t.alignment == TextAlignment::trailing) f.x += free;
+        if (line) {
+            setColor(cr, c);
+            cairo_move_to(cr, f.x, f.y);
+            showGlyphLine(cr, *line, asPath);
+            if (asPath) cairo_fill(cr);
+            return;
+        }
     } else {
-        g_object_unref(layout);
+        if (layout) g_object_unref(layout);
         if (t.lineLimit && *t.lineLimit == 1) {
             layout = createTextLayout(context, t.runs, std::nullopt);
             pango_layout_set_width(layout, static_cast<int>(std::ceil((f.width + 0.5) * PANGO_SCALE)));
@@ -344,12 +363,7 @@ void drawText(cairo_t* cr, PangoContext* context, const TextDraw& t, Rect f, App
     }
     setColor(cr, c);
     cairo_move_to(cr, f.x, f.y);
-    // Cairo's image backend of this generation puts every glyph on a whole
-    // pixel: at one pixel per point the rounding shows as uneven letter
-    // spacing ("On pa ce"). Filled outlines keep each glyph where the
-    // unhinted metrics put it. At two pixels per point and up the glyph
-    // cache is used: its rounding is half as large and no longer visible.
-    if (rasterScale(cr) < 2) {
+    if (asPath) {
         pango_cairo_layout_path(cr, layout);
         cairo_fill(cr);
     } else {

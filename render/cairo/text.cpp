@@ -11,6 +11,7 @@
 #include <unordered_map>
 
 #include "render/cairo/engine.hpp"
+#include "render/cairo/glyph_line.hpp"
 
 namespace mw::render {
 
@@ -125,40 +126,45 @@ MeasureCache& measureCache() {
     return cache;
 }
 
-// The layouts of the last few texts measured without a width, for the
-// painter to draw as they are instead of shaping the text a second time.
-// Used with the text engine's mutex held. Empty unless a program asks for
-// it: the host keeps its memory instead.
+// The last few texts measured without a width, as glyph lines or Pango
+// layouts, for the painter to draw as they are instead of shaping them a
+// second time. Used with the text engine's mutex held. Empty unless a
+// program asks for it: the host keeps its memory instead.
 class LayoutShelf {
 public:
+    struct Kept {
+        PangoLayout* layout = nullptr;  // a reference of the shelf's own
+        std::optional<GlyphLine> line;
+    };
+
     ~LayoutShelf() { resize(0); }
 
     void resize(std::size_t capacity) {
         capacity_ = capacity;
         while (order_.size() > capacity_) dropOldest();
     }
-    void put(const std::string& key, PangoLayout* layout) {
-        if (capacity_ == 0 || layouts_.contains(key)) return;
+    void put(const std::string& key, Kept kept) {
+        if (capacity_ == 0 || kept_.contains(key)) return;
         if (order_.size() == capacity_) dropOldest();
-        layouts_.emplace(key, PANGO_LAYOUT(g_object_ref(layout)));
+        if (kept.layout) g_object_ref(kept.layout);
+        kept_.emplace(key, std::move(kept));
         order_.push_back(key);
     }
-    // A new reference, or null.
-    PangoLayout* find(const std::string& key) const {
-        const auto it = layouts_.find(key);
-        return it == layouts_.end() ? nullptr : PANGO_LAYOUT(g_object_ref(it->second));
+    const Kept* find(const std::string& key) const {
+        const auto it = kept_.find(key);
+        return it == kept_.end() ? nullptr : &it->second;
     }
 
 private:
     void dropOldest() {
-        const auto it = layouts_.find(order_.front());
-        g_object_unref(it->second);
-        layouts_.erase(it);
+        const auto it = kept_.find(order_.front());
+        if (it->second.layout) g_object_unref(it->second.layout);
+        kept_.erase(it);
         order_.pop_front();
     }
 
     std::size_t capacity_ = 0;
-    std::unordered_map<std::string, PangoLayout*> layouts_;
+    std::unordered_map<std::string, Kept> kept_;
     std::deque<std::string> order_;
 };
 
@@ -175,6 +181,17 @@ std::string fontFamily(Design design) {
     return rounded;
 }
 
+int fontSize(const Font& font) { return static_cast<int>(std::max(0.1, font.size) * PANGO_SCALE); }
+
+PangoFontDescription* fontDescription(const Font& font) {
+    PangoFontDescription* desc = pango_font_description_new();
+    const std::string family = fontFamily(font.design);
+    pango_font_description_set_family(desc, family.c_str());
+    pango_font_description_set_weight(desc, pangoWeight(font.weight));
+    pango_font_description_set_absolute_size(desc, fontSize(font));
+    return desc;
+}
+
 PangoLayout* createTextLayout(PangoContext* context, const std::vector<TextRun>& runs,
                               std::optional<double> wrapWidth) {
     PangoLayout* layout = pango_layout_new(context);
@@ -185,11 +202,7 @@ PangoLayout* createTextLayout(PangoContext* context, const std::vector<TextRun>&
         text += run.text;
         const auto end = static_cast<guint>(text.size());
         if (start == end) continue;
-        PangoFontDescription* desc = pango_font_description_new();
-        const std::string family = fontFamily(run.style.font.design);
-        pango_font_description_set_family(desc, family.c_str());
-        pango_font_description_set_weight(desc, pangoWeight(run.style.font.weight));
-        pango_font_description_set_absolute_size(desc, std::max(0.1, run.style.font.size) * PANGO_SCALE);
+        PangoFontDescription* desc = fontDescription(run.style.font);
         auto add = [&](PangoAttribute* a) {
             a->start_index = start;
             a->end_index = end;
@@ -224,15 +237,21 @@ TextMetrics PangoTextMeasurer::measure(const std::vector<TextRun>& runs, std::op
     if (auto hit = measureCache().find(key)) return *hit;
 
     std::lock_guard lock(textEngine().mutex());
-    PangoLayout* layout = createTextLayout(context_, runs, wrapWidth);
-    PangoRectangle logical;
-    pango_layout_get_extents(layout, nullptr, &logical);
     TextMetrics m;
-    m.lines = std::max(1, pango_layout_get_line_count(layout));
-    m.size = {static_cast<double>(logical.width) / PANGO_SCALE, static_cast<double>(logical.height) / PANGO_SCALE};
-    m.lineHeight = m.size.height / m.lines;
-    if (!wrapWidth) layoutShelf().put(key, layout);
-    g_object_unref(layout);
+    if (auto line = wrapWidth ? std::nullopt : setGlyphLine(context_, runs)) {
+        m.size = {static_cast<double>(line->width) / PANGO_SCALE, static_cast<double>(line->height) / PANGO_SCALE};
+        m.lineHeight = m.size.height;
+        layoutShelf().put(key, {nullptr, std::move(line)});
+    } else {
+        PangoLayout* layout = createTextLayout(context_, runs, wrapWidth);
+        PangoRectangle logical;
+        pango_layout_get_extents(layout, nullptr, &logical);
+        m.lines = std::max(1, pango_layout_get_line_count(layout));
+        m.size = {static_cast<double>(logical.width) / PANGO_SCALE, static_cast<double>(logical.height) / PANGO_SCALE};
+        m.lineHeight = m.size.height / m.lines;
+        if (!wrapWidth) layoutShelf().put(key, {layout, std::nullopt});
+        g_object_unref(layout);
+    }
     measureCache().put(std::move(key), m);
     return m;
 }
@@ -242,9 +261,13 @@ void keepMeasuredLayouts(std::size_t count) {
     layoutShelf().resize(count);
 }
 
-PangoLayout* unwrappedTextLayout(PangoContext* context, const std::vector<TextRun>& runs) {
-    if (PangoLayout* kept = layoutShelf().find(cacheKey(runs, std::nullopt))) return kept;
-    return createTextLayout(context, runs, std::nullopt);
+UnwrappedText unwrappedText(PangoContext* context, const std::vector<TextRun>& runs) {
+    if (const auto* kept = layoutShelf().find(cacheKey(runs, std::nullopt))) {
+        if (kept->line) return {nullptr, kept->line};
+        return {PANGO_LAYOUT(g_object_ref(kept->layout)), std::nullopt};
+    }
+    if (auto line = setGlyphLine(context, runs)) return {nullptr, std::move(line)};
+    return {createTextLayout(context, runs, std::nullopt), std::nullopt};
 }
 
 const TextMeasurer& systemTextMeasurer() {

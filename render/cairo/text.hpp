@@ -8,6 +8,7 @@
 
 #include <cstddef>
 
+#include "render/cairo/glyph_line.hpp"
 #include "render/layout.hpp"
 
 namespace mw::render {
@@ -32,19 +33,29 @@ const TextMeasurer& systemTextMeasurer();
 // installed and has tabular digits.
 std::string fontFamily(Design design);
 
+// The size of FONT as its layouts set it, in Pango units (whole units: the
+// description keeps no fraction of one).
+int fontSize(const Font& font);
+// FONT's family, weight and size as a Pango description. Caller frees.
+PangoFontDescription* fontDescription(const Font& font);
+
 // A Pango layout of `runs` with the same settings the measurer uses; `width`
 // (Pango units are not used: points) wraps when given. Caller unrefs.
 PangoLayout* createTextLayout(PangoContext* context, const std::vector<TextRun>& runs, std::optional<double> wrapWidth);
 
-// Keeps the layouts of the last COUNT texts measured without a width, so
+// Keeps what the last COUNT texts measured without a width were set as, so
 // that drawing them takes no second shaping; 0, the default, keeps none.
 // For programs that draw what they have just laid out; a long-lived process
 // keeps the memory instead.
 void keepMeasuredLayouts(std::size_t count);
 
-// The layout of `runs` without a width: the measurer's own when it kept it
-// (shared: not to be changed), else a new one on CONTEXT. Caller unrefs;
-// called with the text engine's mutex held.
-PangoLayout* unwrappedTextLayout(PangoContext* context, const std::vector<TextRun>& runs);
+// A text set without a width: the glyph line or the Pango layout the
+// measurer kept for it, else one set now on CONTEXT. Exactly one is given;
+// the caller unrefs the layout. Called with the text engine's mutex held.
+struct UnwrappedText {
+    PangoLayout* layout = nullptr;
+    std::optional<GlyphLine> line;
+};
+UnwrappedText unwrappedText(PangoContext* context, const std::vector<TextRun>& runs);
 
 }  // namespace mw::render

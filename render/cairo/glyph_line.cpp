@@ -1,0 +1,244 @@
+#include "render/cairo/glyph_line.hpp"
+
+#include <hb.h>
+
+#include <map>
+#include <string>
+#include <tuple>
+
+#include "render/cairo/text.hpp"
+
+namespace mw::render {
+
+namespace {
+
+// Characters whose shaping Pango leaves to HarfBuzz alone: printable Basic
+// Latin, Latin-1 and Latin Extended-A and -B (the soft hyphen aside, an
+// invisible break opportunity), punctuation, currency signs, letterlike
+// symbols, arrows and mathematical operators. No controls, tabs, line or
+// paragraph separators, format characters, combining marks or
+// right-to-left letters, each of which Pango treats on its own.
+bool plainCharacter(gunichar c) {
+    return (c >= 0x20 && c <= 0x7E) || (c >= 0xA0 && c <= 0x24F && c != 0xAD) || (c >= 0x2010 && c <= 0x2027) ||
+           (c >= 0x2030 && c <= 0x205E) || (c >= 0x20A0 && c <= 0x20C0) || (c >= 0x2100 && c <= 0x214F) ||
+           (c >= 0x2190 && c <= 0x22FF);
+}
+
+// A face as Pango picks it for a family and weight: its HarfBuzz face (the
+// one Pango shapes with, so its tables and shaping plans are shared) and the
+// Cairo face and options Pango draws it with. The font Pango made for it is
+// kept for the life of the process.
+struct Face {
+    PangoFont* font = nullptr;
+    hb_face_t* hbFace = nullptr;
+    cairo_font_face_t* cairoFace = nullptr;
+    cairo_font_options_t* options = nullptr;
+};
+
+struct Faces {
+    std::map<std::tuple<std::string, int>, Face> faces;
+    // Per face and size (Pango units); a long-lived process that meets many
+    // sizes starts again past a few hundred. Lines keep no HarfBuzz font.
+    std::map<std::tuple<hb_face_t*, int>, hb_font_t*> fonts;
+    std::map<PangoLanguage*, hb_language_t> languages;  // both kinds are interned
+};
+
+Faces& faces() {
+    static Faces* const all = new Faces;  // kept for the life of the process, as Pango's fonts are
+    return *all;
+}
+
+const Face* faceFor(PangoContext* context, const TextStyle& style) {
+    PangoFontDescription* desc = fontDescription(style.font);
+    const auto key = std::make_tuple(std::string(pango_font_description_get_family(desc)),
+                                     static_cast<int>(pango_font_description_get_weight(desc)));
+    auto& known = faces().faces;
+    if (const auto it = known.find(key); it != known.end()) {
+        pango_font_description_free(desc);
+        return it->second.font ? &it->second : nullptr;
+    }
+    Face face;
+    face.font = pango_font_map_load_font(pango_context_get_font_map(context), context, desc);
+    pango_font_description_free(desc);
+    if (face.font && PANGO_IS_CAIRO_FONT(face.font)) {
+        cairo_scaled_font_t* scaled = pango_cairo_font_get_scaled_font(PANGO_CAIRO_FONT(face.font));
+        hb_font_t* hbFont = pango_font_get_hb_font(face.font);
+        if (scaled && hbFont) {
+            face.hbFace = hb_font_get_face(hbFont);
+            face.cairoFace = cairo_scaled_font_get_font_face(scaled);
+            face.options = cairo_font_options_create();
+            cairo_scaled_font_get_font_options(scaled, face.options);
+        }
+    }
+    if (!face.cairoFace && face.font) {
+        g_object_unref(face.font);
+        face.font = nullptr;
+    }
+    const Face& stored = known.emplace(key, face).first->second;
+    return stored.font ? &stored : nullptr;
+}
+
+hb_font_t* fontAt(const Face& face, int size) {
+    auto& fonts = faces().fonts;
+    if (fonts.size() >= 256 && !fonts.contains({face.hbFace, size})) {
+        for (const auto& [key, font] : fonts) hb_font_destroy(font);
+        fonts.clear();
+    }
+    hb_font_t*& font = fonts[{face.hbFace, size}];
+    if (!font) {
+        font = hb_font_create(face.hbFace);
+        hb_font_set_scale(font, size, size);
+    }
+    return font;
+}
+
+// A run as Pango itemises it: adjacent runs of the same style are one item.
+struct Item {
+    TextStyle style;
+    int size = 0;
+    unsigned start = 0;
+    unsigned length = 0;
+};
+
+}  // namespace
+
+std::optional<GlyphLine> setGlyphLine(PangoContext* context, const std::vector<TextRun>& runs) {
+    std::string text;
+    std::vector<Item> items;
+    for (const auto& run : runs) {
+        if (run.text.empty()) continue;
+        if (run.style.tracking != 0) return std::nullopt;
+        const int size = fontSize(run.style.font);
+        const auto start = static_cast<unsigned>(text.size());
+        text += run.text;
+        const auto length = static_cast<unsigned>(run.text.size());
+        const bool sameItem = !items.empty() && items.back().size == size &&
+                              items.back().style.font.weight == run.style.font.weight &&
+                              items.back().style.font.design == run.style.font.design &&
+                              items.back().style.font.monospacedDigit == run.style.font.monospacedDigit;
+        if (sameItem) {
+            items.back().length += length;
+        } else {
+            items.push_back({run.style, size, start, length});
+        }
+    }
+    if (items.empty() || !g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr)) return std::nullopt;
+
+    // Pango gives the whole paragraph the script of its letters, or the
+    // common script when it has none, and its context's language unless
+    // that language is not written in that script.
+    bool latin = false;
+    for (const char* p = text.data(); p < text.data() + text.size(); p = g_utf8_next_char(p)) {
+        const gunichar c = g_utf8_get_char(p);
+        if (!plainCharacter(c)) return std::nullopt;
+        const GUnicodeScript script = g_unichar_get_script(c);
+        if (script == G_UNICODE_SCRIPT_LATIN) {
+            latin = true;
+        } else if (script != G_UNICODE_SCRIPT_COMMON) {
+            return std::nullopt;
+        }
+    }
+    const PangoScript script = latin ? PANGO_SCRIPT_LATIN : PANGO_SCRIPT_COMMON;
+    PangoLanguage* language = pango_context_get_language(context);
+    if (!language || !pango_language_includes_script(language, script)) {
+        language = pango_script_get_sample_language(script);
+        if (!language) language = pango_language_from_string("xx");
+    }
+    auto [known, added] = faces().languages.try_emplace(language);
+    if (added) known->second = hb_language_from_string(pango_language_to_string(language), -1);
+    const hb_language_t hbLanguage = known->second;
+
+    GlyphLine line;
+    int top = 0;
+    int bottom = 0;
+    hb_buffer_t* buffer = hb_buffer_create();
+    for (const Item& item : items) {
+        const Face* face = faceFor(context, item.style);
+        if (!face) {
+            hb_buffer_destroy(buffer);
+            return std::nullopt;
+        }
+        hb_font_t* font = fontAt(*face, item.size);
+        // Every character from this face: Pango takes the first face of the
+        // font's set that has it, which for anything else is a fallback.
+        const char* end = text.data() + item.start + item.length;
+        for (const char* p = text.data() + item.start; p < end; p = g_utf8_next_char(p)) {
+            hb_codepoint_t glyph = 0;
+            const gunichar c = g_utf8_get_char(p);
+            if (!pango_font_has_char(face->font, c) || !hb_font_get_nominal_glyph(font, c, &glyph)) {
+                hb_buffer_destroy(buffer);
+                return std::nullopt;
+            }
+        }
+        hb_buffer_clear_contents(buffer);
+        hb_buffer_set_direction(buffer, HB_DIRECTION_LTR);
+        hb_buffer_set_script(buffer, static_cast<hb_script_t>(g_unicode_script_to_iso15924(
+                                         static_cast<GUnicodeScript>(script))));
+        hb_buffer_set_language(buffer, hbLanguage);
+        hb_buffer_set_cluster_level(buffer, HB_BUFFER_CLUSTER_LEVEL_MONOTONE_CHARACTERS);
+        hb_buffer_set_flags(buffer, static_cast<hb_buffer_flags_t>(HB_BUFFER_FLAG_BOT | HB_BUFFER_FLAG_EOT));
+        // The whole paragraph goes in, as Pango gives it, for the context
+        // its contextual substitutions look at.
+        hb_buffer_add_utf8(buffer, text.data(), static_cast<int>(text.size()), item.start,
+                           static_cast<int>(item.length));
+        hb_feature_t tabular{HB_TAG('t', 'n', 'u', 'm'), 1, item.start, item.start + item.length};
+        hb_shape(font, buffer, &tabular, item.style.font.monospacedDigit ? 1 : 0);
+
+        GlyphRun run{face->cairoFace, face->options, item.size, line.width, {}};
+        unsigned count = 0;
+        const hb_glyph_info_t* infos = hb_buffer_get_glyph_infos(buffer, &count);
+        const hb_glyph_position_t* positions = hb_buffer_get_glyph_positions(buffer, &count);
+        run.glyphs.reserve(count);
+        int advance = 0;
+        for (unsigned i = 0; i < count; ++i) {
+            run.glyphs.push_back({infos[i].codepoint, advance + positions[i].x_offset, -positions[i].y_offset});
+            advance += positions[i].x_advance;
+        }
+        line.width += advance;
+        line.runs.push_back(std::move(run));
+
+        hb_font_extents_t extents{};
+        hb_font_get_h_extents(font, &extents);
+        const bool first = line.runs.size() == 1;
+        top = first ? -extents.ascender : std::min(top, -extents.ascender);
+        bottom = first ? -extents.descender : std::max(bottom, -extents.descender);
+    }
+    hb_buffer_destroy(buffer);
+    line.height = bottom - top;
+    line.baseline = -top;
+    return line;
+}
+
+void showGlyphLine(cairo_t* cr, const GlyphLine& line, bool asPath) {
+    // The arithmetic is Pango's renderer's, in its order, so that every
+    // glyph lands on the same double.
+    double x0 = 0;
+    double y0 = 0;
+    cairo_get_current_point(cr, &x0, &y0);
+    std::vector<cairo_glyph_t> glyphs;
+    for (const GlyphRun& run : line.runs) {
+        const double baseX = x0 + static_cast<double>(run.x) / PANGO_SCALE;
+        const double baseY = y0 + static_cast<double>(line.baseline) / PANGO_SCALE;
+        glyphs.clear();
+        for (const PlacedGlyph& g : run.glyphs) {
+            glyphs.push_back({g.index, baseX + static_cast<double>(g.x) / PANGO_SCALE,
+                              g.yOffset == 0 ? baseY : baseY + static_cast<double>(g.yOffset) / PANGO_SCALE});
+        }
+        cairo_save(cr);
+        cairo_matrix_t matrix;
+        cairo_matrix_init_scale(&matrix, static_cast<double>(run.size) / PANGO_SCALE,
+                                static_cast<double>(run.size) / PANGO_SCALE);
+        cairo_set_font_face(cr, run.face);
+        cairo_set_font_matrix(cr, &matrix);
+        cairo_set_font_options(cr, run.options);
+        if (asPath) {
+            cairo_glyph_path(cr, glyphs.data(), static_cast<int>(glyphs.size()));
+        } else {
+            cairo_show_glyphs(cr, glyphs.data(), static_cast<int>(glyphs.size()));
+        }
+        cairo_restore(cr);
+    }
+    cairo_move_to(cr, x0, y0);
+}
+
+}  // namespace mw::render

@@ -1,0 +1,156 @@
+// Text set straight on HarfBuzz must be Pango's text to the unit and to the
+// pixel, or every widget's frames and pictures move; and whatever it cannot
+// set exactly must be left to Pango.
+
+#include <gtest/gtest.h>
+
+#include <cairo.h>
+
+#include <cstring>
+#include <mutex>
+
+#include "render/cairo/engine.hpp"
+#include "render/cairo/glyph_line.hpp"
+#include "render/cairo/text.hpp"
+
+namespace mw::render {
+namespace {
+
+using Runs = std::vector<TextRun>;
+
+TextRun run(std::string text, double size, Weight weight = Weight::regular, bool tabular = false,
+            Design design = Design::standard) {
+    Font font = Font::system(size, weight, design);
+    font.monospacedDigit = tabular;
+    return {std::move(text), {font, 0}};
+}
+
+struct Context {
+    explicit Context(const char* language = nullptr) : context(textEngine().newContext()) {
+        if (language) pango_context_set_language(context, pango_language_from_string(language));
+    }
+    ~Context() { g_object_unref(context); }
+    Context(const Context&) = delete;
+    Context& operator=(const Context&) = delete;
+    PangoContext* context;
+};
+
+// The texts widgets set, at sizes that are and are not whole Pango units,
+// each weight, with and without tabular digits, alone and beside a second
+// run, under languages with and without their own forms.
+TEST(GlyphLine, MeasuresEveryTextAsPangoDoes) {
+    const char* texts[] = {"Claude · Work", "91%", "Resets in 2h 10m", "+6% vs pace", "−3% vs pace", "1,284,310",
+                           "$14.37", "Updated 2m ago · next in 3m", "AVAToWaYfi ffl", "Résumé — naïve café",
+                           "İstanbul fiş", "IJsselmeer", "  spaces at both ends  ", "0123456789", "“quoted” ‘x’ …",
+                           "Oct 24 → Nov 22", "€9 × 3 ≤ ¾"};
+    const Weight weights[] = {Weight::regular, Weight::medium, Weight::semibold, Weight::bold};
+    const double sizes[] = {5.5, 8, 9.5, 13, 8.2935, 17.0001, 31.3};
+    std::lock_guard lock(textEngine().mutex());
+    int compared = 0;
+    for (const char* language : {"en-us", "tr", "nl", "ja"}) {
+        Context c(language);
+        for (std::size_t i = 0; i < std::size(texts); ++i) {
+            const Weight weight = weights[i % 4];
+            const double size = sizes[i % std::size(sizes)];
+            const bool tabular = i % 3 == 0;
+            for (const Runs& runs : {Runs{run(texts[i], size, weight, tabular)},
+                                     Runs{run(texts[i], size, weight, tabular), run("%", size * 0.55, Weight::bold)},
+                                     Runs{run("12", 10, Weight::bold, true, Design::rounded), run(texts[i], size)}}) {
+                const auto line = setGlyphLine(c.context, runs);
+                ASSERT_TRUE(line.has_value()) << texts[i];
+                PangoLayout* layout = createTextLayout(c.context, runs, std::nullopt);
+                PangoRectangle logical;
+                pango_layout_get_extents(layout, nullptr, &logical);
+                EXPECT_EQ(line->width, logical.width) << language << " " << texts[i] << " " << runs.size();
+                EXPECT_EQ(line->height, logical.height) << language << " " << texts[i] << " " << runs.size();
+                EXPECT_EQ(line->baseline, pango_layout_get_baseline(layout)) << language << " " << texts[i];
+                g_object_unref(layout);
+                ++compared;
+            }
+        }
+    }
+    EXPECT_EQ(compared, 4 * 17 * 3);
+}
+
+TEST(GlyphLine, LeavesToPangoWhatOnlyPangoSets) {
+    TextRun tracked = run("CLAUDE", 9, Weight::semibold);
+    tracked.style.tracking = 0.6;
+    const std::pair<const char*, Runs> cases[] = {
+        {"letter spacing", {tracked}},
+        {"a tab", {run("a\tb", 12)}},
+        {"a line break", {run("one\ntwo", 12)}},
+        {"a soft hyphen", {run("Ac\u00ADcount", 12)}},
+        {"a combining mark", {run("Cafe\u0301", 12)}},
+        {"a zero-width joiner", {run("a\u200Db", 12)}},
+        {"right to left", {run("Work العربية", 12)}},
+        {"a script Inter lacks", {run("日本語", 12)}},
+        {"Greek letters", {run("Ελληνικά", 12)}},
+        {"an emoji", {run("Done \U0001F600", 12)}},
+        {"nothing", {run("", 12)}},
+        {"broken UTF-8", {run("ab\xC3(", 12)}},
+    };
+    std::lock_guard lock(textEngine().mutex());
+    Context c;
+    for (const auto& [what, runs] : cases) EXPECT_FALSE(setGlyphLine(c.context, runs).has_value()) << what;
+}
+
+struct Image {
+    explicit Image(int size) : surface(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, size, size)) {}
+    ~Image() { cairo_surface_destroy(surface); }
+    Image(const Image&) = delete;
+    Image& operator=(const Image&) = delete;
+    bool operator==(const Image& other) const {
+        cairo_surface_flush(surface);
+        cairo_surface_flush(other.surface);
+        const int bytes = cairo_image_surface_get_stride(surface) * cairo_image_surface_get_height(surface);
+        return std::memcmp(cairo_image_surface_get_data(surface), cairo_image_surface_get_data(other.surface),
+                           static_cast<std::size_t>(bytes)) == 0;
+    }
+    cairo_surface_t* surface;
+};
+
+// Both ways of drawing, glyphs through the glyph cache and outlines filled,
+// at the scales widgets are drawn at and turned, give Pango's pixels.
+TEST(GlyphLine, DrawsPangosPixels) {
+    const Runs texts[] = {
+        {run("Claude · Work", 13, Weight::semibold)},
+        {run("91", 10, Weight::bold, true), run("%", 5.5, Weight::bold, true)},
+        {run("Resets Thu 09:00", 8.2935, Weight::medium, true)},
+    };
+    std::lock_guard lock(textEngine().mutex());
+    Context c;
+    for (const Runs& runs : texts) {
+        const auto line = setGlyphLine(c.context, runs);
+        ASSERT_TRUE(line.has_value());
+        PangoLayout* layout = createTextLayout(c.context, runs, std::nullopt);
+        for (const double scale : {1.0, 1.5, 2.0, 3.0}) {
+            for (const bool asPath : {true, false}) {
+                for (const double angle : {0.0, 0.3}) {
+                    Image mine(96 * 3), pango(96 * 3);
+                    for (auto [image, ours] : {std::pair{&mine, true}, std::pair{&pango, false}}) {
+                        cairo_t* cr = cairo_create(image->surface);
+                        cairo_scale(cr, scale, scale);
+                        cairo_rotate(cr, angle);
+                        cairo_set_source_rgba(cr, 0.1, 0.2, 0.3, 0.9);
+                        cairo_move_to(cr, 3.25, 7.5);
+                        if (ours) {
+                            showGlyphLine(cr, *line, asPath);
+                        } else if (asPath) {
+                            pango_cairo_layout_path(cr, layout);
+                        } else {
+                            pango_cairo_show_layout(cr, layout);
+                        }
+                        if (asPath) cairo_fill(cr);
+                        cairo_destroy(cr);
+                    }
+                    EXPECT_TRUE(mine == pango) << runs[0].text << " at " << scale << (asPath ? " as outlines" : "")
+                                               << " turned " << angle;
+                }
+            }
+        }
+        g_object_unref(layout);
+    }
+}
+
+}  // namespace
+}  // namespace mw::render
