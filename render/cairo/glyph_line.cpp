@@ -2,6 +2,7 @@
 
 #include <hb.h>
 
+#include <algorithm>
 #include <map>
 #include <string>
 #include <tuple>
@@ -92,13 +93,71 @@ hb_font_t* fontAt(const Face& face, int size) {
     return font;
 }
 
-// A run as Pango itemises it: adjacent runs of the same style are one item.
+// A run as Pango itemises it: each run's attributes start a new item, so
+// even two runs of one style are shaped apart (no kerning between them).
 struct Item {
     TextStyle style;
     int size = 0;
+    int letterSpacing = 0;  // Pango units
     unsigned start = 0;
     unsigned length = 0;
 };
+
+// A glyph's advance and horizontal offset as Pango keeps them, Pango units.
+struct Advance {
+    int width = 0;
+    int xOffset = 0;
+};
+
+// Letter spacing split around a glyph as Pango splits it: the left half
+// rounded to whole pixels when the spacing is whole pixels.
+std::pair<int, int> letterSpaceHalves(int spacing) {
+    int left = spacing / 2;
+    if ((spacing & (PANGO_SCALE - 1)) == 0) left = PANGO_UNITS_ROUND(left);
+    return {left, spacing - left};
+}
+
+// Pango's letter spacing of one item: half the spacing before and half after
+// every cluster, and, at the ends of the line, only inwards. CLUSTERS gives
+// each glyph's first byte; the text has one character per byte range that
+// starts a cluster (every character here is a cursor position).
+void spaceLetters(std::vector<Advance>& glyphs, const std::vector<unsigned>& clusters, unsigned itemStart,
+                  unsigned itemEnd, int spacing, bool firstItem, bool lastItem) {
+    const auto [left, right] = letterSpaceHalves(spacing);
+    const std::size_t n = glyphs.size();
+    for (std::size_t g = 0; g < n;) {
+        std::size_t end = g + 1;
+        while (end < n && clusters[end] == clusters[g]) ++end;
+        const unsigned clusterEnd = end < n ? clusters[end] : itemEnd;
+        if (clusters[g] > itemStart) {
+            glyphs[g].width += left;
+            glyphs[g].xOffset += left;
+        }
+        if (clusterEnd < itemEnd) glyphs[end - 1].width += right;
+        g = end;
+    }
+    if (n == 0) return;
+    glyphs.front().width += left;
+    glyphs.front().xOffset += left;
+    glyphs.back().width += right;
+    // The line's ends lose the outer halves again (on the first and last
+    // glyphs that advance at all).
+    if (glyphs.front().width == 0 || firstItem) {
+        for (auto& g : glyphs) {
+            if (g.width == 0) continue;
+            g.width -= left;
+            g.xOffset -= left;
+            break;
+        }
+    }
+    if (glyphs.back().width == 0 || lastItem) {
+        for (auto g = glyphs.rbegin(); g != glyphs.rend(); ++g) {
+            if (g->width == 0) continue;
+            g->width = std::max(0, g->width - right);
+            break;
+        }
+    }
+}
 
 }  // namespace
 
@@ -107,20 +166,12 @@ std::optional<GlyphLine> setGlyphLine(PangoContext* context, const std::vector<T
     std::vector<Item> items;
     for (const auto& run : runs) {
         if (run.text.empty()) continue;
-        if (run.style.tracking != 0) return std::nullopt;
-        const int size = fontSize(run.style.font);
+        const int spacing = letterSpacing(run.style);
+        // Spacing that rounds to nothing still turns ligatures off in Pango.
+        if (run.style.tracking != 0 && spacing == 0) return std::nullopt;
         const auto start = static_cast<unsigned>(text.size());
         text += run.text;
-        const auto length = static_cast<unsigned>(run.text.size());
-        const bool sameItem = !items.empty() && items.back().size == size &&
-                              items.back().style.font.weight == run.style.font.weight &&
-                              items.back().style.font.design == run.style.font.design &&
-                              items.back().style.font.monospacedDigit == run.style.font.monospacedDigit;
-        if (sameItem) {
-            items.back().length += length;
-        } else {
-            items.push_back({run.style, size, start, length});
-        }
+        items.push_back({run.style, fontSize(run.style.font), spacing, start, static_cast<unsigned>(run.text.size())});
     }
     if (items.empty() || !g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr)) return std::nullopt;
 
@@ -181,18 +232,35 @@ std::optional<GlyphLine> setGlyphLine(PangoContext* context, const std::vector<T
         // its contextual substitutions look at.
         hb_buffer_add_utf8(buffer, text.data(), static_cast<int>(text.size()), item.start,
                            static_cast<int>(item.length));
-        hb_feature_t tabular{HB_TAG('t', 'n', 'u', 'm'), 1, item.start, item.start + item.length};
-        hb_shape(font, buffer, &tabular, item.style.font.monospacedDigit ? 1 : 0);
+        // Tabular digits as asked; letter spacing turns ligatures off.
+        const unsigned itemEnd = item.start + item.length;
+        std::vector<hb_feature_t> features;
+        if (item.style.font.monospacedDigit) features.push_back({HB_TAG('t', 'n', 'u', 'm'), 1, item.start, itemEnd});
+        if (item.letterSpacing != 0) {
+            for (const hb_tag_t tag : {HB_TAG('l', 'i', 'g', 'a'), HB_TAG('c', 'l', 'i', 'g'), HB_TAG('d', 'l', 'i', 'g')})
+                features.push_back({tag, 0, item.start, itemEnd});
+        }
+        hb_shape(font, buffer, features.data(), static_cast<unsigned>(features.size()));
 
-        GlyphRun run{face->cairoFace, face->options, item.size, line.width, {}};
         unsigned count = 0;
         const hb_glyph_info_t* infos = hb_buffer_get_glyph_infos(buffer, &count);
         const hb_glyph_position_t* positions = hb_buffer_get_glyph_positions(buffer, &count);
+        std::vector<Advance> advances(count);
+        std::vector<unsigned> clusters(count);
+        for (unsigned i = 0; i < count; ++i) {
+            advances[i] = {positions[i].x_advance, positions[i].x_offset};
+            clusters[i] = infos[i].cluster;
+        }
+        if (item.letterSpacing != 0) {
+            spaceLetters(advances, clusters, item.start, itemEnd, item.letterSpacing, &item == &items.front(),
+                         &item == &items.back());
+        }
+        GlyphRun run{face->cairoFace, face->options, item.size, line.width, {}};
         run.glyphs.reserve(count);
         int advance = 0;
         for (unsigned i = 0; i < count; ++i) {
-            run.glyphs.push_back({infos[i].codepoint, advance + positions[i].x_offset, -positions[i].y_offset});
-            advance += positions[i].x_advance;
+            run.glyphs.push_back({infos[i].codepoint, advance + advances[i].xOffset, -positions[i].y_offset});
+            advance += advances[i].width;
         }
         line.width += advance;
         line.runs.push_back(std::move(run));

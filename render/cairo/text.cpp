@@ -183,6 +183,8 @@ std::string fontFamily(Design design) {
 
 int fontSize(const Font& font) { return static_cast<int>(std::max(0.1, font.size) * PANGO_SCALE); }
 
+int letterSpacing(const TextStyle& style) { return static_cast<int>(std::lround(style.tracking * PANGO_SCALE)); }
+
 PangoFontDescription* fontDescription(const Font& font) {
     PangoFontDescription* desc = pango_font_description_new();
     const std::string family = fontFamily(font.design);
@@ -210,9 +212,7 @@ PangoLayout* createTextLayout(PangoContext* context, const std::vector<TextRun>&
         };
         add(pango_attr_font_desc_new(desc));
         pango_font_description_free(desc);
-        if (run.style.tracking != 0) {
-            add(pango_attr_letter_spacing_new(static_cast<int>(std::lround(run.style.tracking * PANGO_SCALE))));
-        }
+        if (run.style.tracking != 0) add(pango_attr_letter_spacing_new(letterSpacing(run.style)));
         if (run.style.font.monospacedDigit) add(pango_attr_font_features_new("tnum"));
     }
     // Words broken to fit a line get no hyphen.

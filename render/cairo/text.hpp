@@ -36,6 +36,8 @@ std::string fontFamily(Design design);
 // The size of FONT as its layouts set it, in Pango units (whole units: the
 // description keeps no fraction of one).
 int fontSize(const Font& font);
+// STYLE's tracking as Pango's letter spacing, in Pango units.
+int letterSpacing(const TextStyle& style);
 // FONT's family, weight and size as a Pango description. Caller frees.
 PangoFontDescription* fontDescription(const Font& font);
 

@@ -25,6 +25,11 @@ TextRun run(std::string text, double size, Weight weight = Weight::regular, bool
     return {std::move(text), {font, 0}};
 }
 
+TextRun tracked(TextRun r, double tracking) {
+    r.style.tracking = tracking;
+    return r;
+}
+
 struct Context {
     explicit Context(const char* language = nullptr) : context(textEngine().newContext()) {
         if (language) pango_context_set_language(context, pango_language_from_string(language));
@@ -55,7 +60,10 @@ TEST(GlyphLine, MeasuresEveryTextAsPangoDoes) {
             const bool tabular = i % 3 == 0;
             for (const Runs& runs : {Runs{run(texts[i], size, weight, tabular)},
                                      Runs{run(texts[i], size, weight, tabular), run("%", size * 0.55, Weight::bold)},
-                                     Runs{run("12", 10, Weight::bold, true, Design::rounded), run(texts[i], size)}}) {
+                                     Runs{run("12", 10, Weight::bold, true, Design::rounded), run(texts[i], size)},
+                                     Runs{run("AV", size, weight), run(texts[i], size, weight)},
+                                     Runs{tracked(run(texts[i], size, weight, tabular), 0.6)},
+                                     Runs{tracked(run("ffi", 9), 1), run(texts[i], size), tracked(run("fl", 7), -0.37)}}) {
                 const auto line = setGlyphLine(c.context, runs);
                 ASSERT_TRUE(line.has_value()) << texts[i];
                 PangoLayout* layout = createTextLayout(c.context, runs, std::nullopt);
@@ -69,14 +77,12 @@ TEST(GlyphLine, MeasuresEveryTextAsPangoDoes) {
             }
         }
     }
-    EXPECT_EQ(compared, 4 * 17 * 3);
+    EXPECT_EQ(compared, 4 * 17 * 6);
 }
 
 TEST(GlyphLine, LeavesToPangoWhatOnlyPangoSets) {
-    TextRun tracked = run("CLAUDE", 9, Weight::semibold);
-    tracked.style.tracking = 0.6;
     const std::pair<const char*, Runs> cases[] = {
-        {"letter spacing", {tracked}},
+        {"letter spacing that rounds to nothing", {tracked(run("CLAUDE", 9), 0.0004)}},
         {"a tab", {run("a\tb", 12)}},
         {"a line break", {run("one\ntwo", 12)}},
         {"a soft hyphen", {run("Ac\u00ADcount", 12)}},
@@ -116,6 +122,7 @@ TEST(GlyphLine, DrawsPangosPixels) {
         {run("Claude · Work", 13, Weight::semibold)},
         {run("91", 10, Weight::bold, true), run("%", 5.5, Weight::bold, true)},
         {run("Resets Thu 09:00", 8.2935, Weight::medium, true)},
+        {tracked(run("CLAUDE · WORK", 8, Weight::semibold), 0.6), run(" 42%", 9)},
     };
     std::lock_guard lock(textEngine().mutex());
     Context c;
