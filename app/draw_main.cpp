@@ -50,12 +50,15 @@ void populateHeap() {
 
 int main(int argc, char** argv) {
     oneHeap();
-    // Every command here sets text. Fontconfig and the font map take a few
-    // milliseconds to set up: that happens on a second core while the
+    // Every command here sets text. Fontconfig takes a few milliseconds to
+    // read its configuration: that happens on a second core while the
     // command fills its heap and reads its arguments, the payload and the
-    // timeline. The layouts measured are kept for the drawing that follows
-    // (a gallery's images hold a few hundred texts between them).
-    std::thread fonts([] { mw::render::keepMeasuredLayouts(512); });
+    // timeline. The texts set are kept for the drawing that follows (a
+    // gallery's images hold a few hundred texts between them).
+    std::thread fonts([] {
+        mw::render::keepMeasuredLayouts(512);
+        mw::render::prepareFonts();
+    });
     populateHeap();
     const int status = mw::cli::runCommandLine(argc, argv, {mw::cli::registerRenderCommands});
     fonts.join();

@@ -1,12 +1,17 @@
 #include "render/cairo/glyph_line.hpp"
 
+#include <cairo-ft.h>
 #include <hb.h>
 
 #include <algorithm>
+#include <array>
+#include <clocale>
 #include <map>
 #include <string>
+#include <string_view>
 #include <tuple>
 
+#include "render/cairo/engine.hpp"
 #include "render/cairo/text.hpp"
 
 namespace mw::render {
@@ -25,15 +30,15 @@ bool plainCharacter(gunichar c) {
            (c >= 0x2190 && c <= 0x22FF);
 }
 
-// A face as Pango picks it for a family and weight: its HarfBuzz face (the
-// one Pango shapes with, so its tables and shaping plans are shared) and the
-// Cairo face and options Pango draws it with. The font Pango made for it is
-// kept for the life of the process.
+// A face as Pango would pick it for a family and weight: fontconfig's match
+// for the pattern Pango makes, its HarfBuzz face (from the file, as Pango
+// makes it) and the Cairo face Pango would draw it with. Kept for the life
+// of the process.
 struct Face {
-    PangoFont* font = nullptr;
+    FcPattern* match = nullptr;
+    FcCharSet* charset = nullptr;  // the characters Pango takes from this face
     hb_face_t* hbFace = nullptr;
     cairo_font_face_t* cairoFace = nullptr;
-    cairo_font_options_t* options = nullptr;
 };
 
 struct Faces {
@@ -41,7 +46,7 @@ struct Faces {
     // Per face and size (Pango units); a long-lived process that meets many
     // sizes starts again past a few hundred. Lines keep no HarfBuzz font.
     std::map<std::tuple<hb_face_t*, int>, hb_font_t*> fonts;
-    std::map<PangoLanguage*, hb_language_t> languages;  // both kinds are interned
+    std::map<std::string, hb_language_t> languages;
 };
 
 Faces& faces() {
@@ -49,34 +54,76 @@ Faces& faces() {
     return *all;
 }
 
-const Face* faceFor(PangoContext* context, const TextStyle& style) {
-    PangoFontDescription* desc = fontDescription(style.font);
-    const auto key = std::make_tuple(std::string(pango_font_description_get_family(desc)),
-                                     static_cast<int>(pango_font_description_get_weight(desc)));
-    auto& known = faces().faces;
-    if (const auto it = known.find(key); it != known.end()) {
-        pango_font_description_free(desc);
-        return it->second.font ? &it->second : nullptr;
+// The pattern Pango's font map asks fontconfig to match for a font of
+// FAMILY, WEIGHT and SIZE (Pango units) in LANGUAGE at 72 dpi, with the same
+// substitutions: the configuration's, Cairo's font options, the defaults.
+FcPattern* pangoPattern(const std::string& family, Weight weight, int size, const std::string& language) {
+    constexpr double kDpi = 72;
+    FcPattern* pattern = FcPatternCreate();
+    FcPatternAddDouble(pattern, FC_WEIGHT, FcWeightFromOpenTypeDouble(openTypeWeight(weight)));
+    FcPatternAddInteger(pattern, FC_SLANT, FC_SLANT_ROMAN);
+    FcPatternAddInteger(pattern, FC_WIDTH, FC_WIDTH_NORMAL);
+    FcPatternAddBool(pattern, FC_VARIABLE, FcDontCare);
+    FcPatternAddDouble(pattern, FC_DPI, kDpi);
+    FcPatternAddDouble(pattern, FC_SIZE, size * (72. / PANGO_SCALE / kDpi));
+    FcPatternAddDouble(pattern, FC_PIXEL_SIZE, size / static_cast<double>(PANGO_SCALE));
+    for (std::size_t from = 0; from <= family.size();) {
+        const std::size_t comma = std::min(family.find(',', from), family.size());
+        FcPatternAddString(pattern, FC_FAMILY, reinterpret_cast<const FcChar8*>(family.substr(from, comma - from).c_str()));
+        from = comma + 1;
     }
+    FcPatternAddString(pattern, FC_LANG, reinterpret_cast<const FcChar8*>(language.c_str()));
+    if (const char* program = g_get_prgname()) FcPatternAddString(pattern, "prgname", reinterpret_cast<const FcChar8*>(program));
+    FcConfigSubstitute(widgetFontConfig(), pattern, FcMatchPattern);
+    cairo_ft_font_options_substitute(textFontOptions(), pattern);
+    FcDefaultSubstitute(pattern);
+    return pattern;
+}
+
+const Face* faceFor(const Font& font, const std::string& language) {
+    const std::string family = fontFamily(font.design);
+    const auto key = std::make_tuple(family, static_cast<int>(font.weight));
+    auto& known = faces().faces;
+    if (const auto it = known.find(key); it != known.end()) return it->second.cairoFace ? &it->second : nullptr;
     Face face;
-    face.font = pango_font_map_load_font(pango_context_get_font_map(context), context, desc);
-    pango_font_description_free(desc);
-    if (face.font && PANGO_IS_CAIRO_FONT(face.font)) {
-        cairo_scaled_font_t* scaled = pango_cairo_font_get_scaled_font(PANGO_CAIRO_FONT(face.font));
-        hb_font_t* hbFont = pango_font_get_hb_font(face.font);
-        if (scaled && hbFont) {
-            face.hbFace = hb_font_get_face(hbFont);
-            face.cairoFace = cairo_scaled_font_get_font_face(scaled);
-            face.options = cairo_font_options_create();
-            cairo_scaled_font_get_font_options(scaled, face.options);
+    FcPattern* pattern = pangoPattern(family, font.weight, fontSize(font), language);
+    FcResult result = FcResultNoMatch;
+    face.match = FcFontMatch(widgetFontConfig(), pattern, &result);
+    FcPatternDestroy(pattern);
+    FcChar8* file = nullptr;
+    int index = 0;
+    if (face.match && FcPatternGetString(face.match, FC_FILE, 0, &file) == FcResultMatch &&
+        FcPatternGetCharSet(face.match, FC_CHARSET, 0, &face.charset) == FcResultMatch) {
+        (void)FcPatternGetInteger(face.match, FC_INDEX, 0, &index);
+        hb_blob_t* blob = hb_blob_create_from_file(reinterpret_cast<const char*>(file));
+        face.hbFace = hb_face_create(blob, static_cast<unsigned>(index));
+        hb_blob_destroy(blob);
+        face.cairoFace = cairo_ft_font_face_create_for_pattern(face.match);
+        if (cairo_font_face_status(face.cairoFace) != CAIRO_STATUS_SUCCESS || hb_face_get_glyph_count(face.hbFace) == 0) {
+            cairo_font_face_destroy(face.cairoFace);
+            face.cairoFace = nullptr;
         }
     }
-    if (!face.cairoFace && face.font) {
-        g_object_unref(face.font);
-        face.font = nullptr;
-    }
     const Face& stored = known.emplace(key, face).first->second;
-    return stored.font ? &stored : nullptr;
+    return stored.cairoFace ? &stored : nullptr;
+}
+
+// Languages Pango knows to be written in Latin letters (by the language
+// alone, any region): Pango sets Latin text in them in the language itself,
+// as is done here. Text in any other language goes to Pango, whose table of
+// languages and scripts decides what language such text is shaped in.
+bool writtenInLatin(const std::string& tag) {
+    static constexpr std::array<std::string_view, 42> kLatin{
+        "c",  "af", "ca", "cs", "cy", "da", "de", "en", "eo", "es", "et", "eu", "fi", "fo",
+        "fr", "fy", "ga", "gd", "gl", "hr", "hu", "id", "is", "it", "la", "lb", "lt", "lv",
+        "ms", "mt", "nb", "nl", "nn", "no", "pl", "pt", "ro", "sk", "sl", "sq", "sv", "tr"};
+    const std::string_view language = std::string_view(tag).substr(0, tag.find('-'));
+    return std::find(kLatin.begin(), kLatin.end(), language) != kLatin.end();
+}
+
+const std::string& processLanguage() {
+    static const std::string tag = languageTag(std::setlocale(LC_CTYPE, nullptr));
+    return tag;
 }
 
 hb_font_t* fontAt(const Face& face, int size) {
@@ -161,7 +208,27 @@ void spaceLetters(std::vector<Advance>& glyphs, const std::vector<unsigned>& clu
 
 }  // namespace
 
-std::optional<GlyphLine> setGlyphLine(PangoContext* context, const std::vector<TextRun>& runs) {
+std::string languageTag(const char* locale) {
+    std::string tag;
+    for (const char* p = locale ? locale : "C"; *p != 0 && *p != '.' && *p != '@'; ++p) {
+        const char c = *p;
+        if (c == '_' || c == '-') {
+            tag += '-';
+        } else if ((c >= 'a' && c <= 'z') || (c >= '0' && c <= '9')) {
+            tag += c;
+        } else if (c >= 'A' && c <= 'Z') {
+            tag += static_cast<char>(c - 'A' + 'a');
+        } else {
+            break;
+        }
+    }
+    return tag;
+}
+
+std::optional<GlyphLine> setGlyphLine(const std::vector<TextRun>& runs) { return setGlyphLine(runs, processLanguage()); }
+
+std::optional<GlyphLine> setGlyphLine(const std::vector<TextRun>& runs, const std::string& language) {
+    if (!writtenInLatin(language)) return std::nullopt;
     std::string text;
     std::vector<Item> items;
     for (const auto& run : runs) {
@@ -176,8 +243,8 @@ std::optional<GlyphLine> setGlyphLine(PangoContext* context, const std::vector<T
     if (items.empty() || !g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr)) return std::nullopt;
 
     // Pango gives the whole paragraph the script of its letters, or the
-    // common script when it has none, and its context's language unless
-    // that language is not written in that script.
+    // common script when it has none, and its context's language, which is
+    // written in both.
     bool latin = false;
     for (const char* p = text.data(); p < text.data() + text.size(); p = g_utf8_next_char(p)) {
         const gunichar c = g_utf8_get_char(p);
@@ -189,14 +256,9 @@ std::optional<GlyphLine> setGlyphLine(PangoContext* context, const std::vector<T
             return std::nullopt;
         }
     }
-    const PangoScript script = latin ? PANGO_SCRIPT_LATIN : PANGO_SCRIPT_COMMON;
-    PangoLanguage* language = pango_context_get_language(context);
-    if (!language || !pango_language_includes_script(language, script)) {
-        language = pango_script_get_sample_language(script);
-        if (!language) language = pango_language_from_string("xx");
-    }
+    const hb_script_t script = latin ? HB_SCRIPT_LATIN : HB_SCRIPT_COMMON;
     auto [known, added] = faces().languages.try_emplace(language);
-    if (added) known->second = hb_language_from_string(pango_language_to_string(language), -1);
+    if (added) known->second = hb_language_from_string(language.c_str(), -1);
     const hb_language_t hbLanguage = known->second;
 
     GlyphLine line;
@@ -204,7 +266,7 @@ std::optional<GlyphLine> setGlyphLine(PangoContext* context, const std::vector<T
     int bottom = 0;
     hb_buffer_t* buffer = hb_buffer_create();
     for (const Item& item : items) {
-        const Face* face = faceFor(context, item.style);
+        const Face* face = faceFor(item.style.font, language);
         if (!face) {
             hb_buffer_destroy(buffer);
             return std::nullopt;
@@ -216,15 +278,14 @@ std::optional<GlyphLine> setGlyphLine(PangoContext* context, const std::vector<T
         for (const char* p = text.data() + item.start; p < end; p = g_utf8_next_char(p)) {
             hb_codepoint_t glyph = 0;
             const gunichar c = g_utf8_get_char(p);
-            if (!pango_font_has_char(face->font, c) || !hb_font_get_nominal_glyph(font, c, &glyph)) {
+            if (!FcCharSetHasChar(face->charset, c) || !hb_font_get_nominal_glyph(font, c, &glyph)) {
                 hb_buffer_destroy(buffer);
                 return std::nullopt;
             }
         }
         hb_buffer_clear_contents(buffer);
         hb_buffer_set_direction(buffer, HB_DIRECTION_LTR);
-        hb_buffer_set_script(buffer, static_cast<hb_script_t>(g_unicode_script_to_iso15924(
-                                         static_cast<GUnicodeScript>(script))));
+        hb_buffer_set_script(buffer, script);
         hb_buffer_set_language(buffer, hbLanguage);
         hb_buffer_set_cluster_level(buffer, HB_BUFFER_CLUSTER_LEVEL_MONOTONE_CHARACTERS);
         hb_buffer_set_flags(buffer, static_cast<hb_buffer_flags_t>(HB_BUFFER_FLAG_BOT | HB_BUFFER_FLAG_EOT));
@@ -255,7 +316,7 @@ std::optional<GlyphLine> setGlyphLine(PangoContext* context, const std::vector<T
             spaceLetters(advances, clusters, item.start, itemEnd, item.letterSpacing, &item == &items.front(),
                          &item == &items.back());
         }
-        GlyphRun run{face->cairoFace, face->options, item.size, line.width, {}};
+        GlyphRun run{face->cairoFace, textFontOptions(), item.size, line.width, {}};
         run.glyphs.reserve(count);
         int advance = 0;
         for (unsigned i = 0; i < count; ++i) {

@@ -304,7 +304,26 @@ void drawShape(cairo_t* cr, const ShapeDraw& s, const Rect& frame, Appearance ap
     cairo_set_dash(cr, nullptr, 0, 0);
 }
 
-void drawText(cairo_t* cr, PangoContext* context, const TextDraw& t, Rect f, Appearance appearance) {
+// Pango's context for the texts of one drawing that need Pango, made for
+// the first of them.
+class LazyContext {
+public:
+    LazyContext() = default;
+    LazyContext(const LazyContext&) = delete;
+    LazyContext& operator=(const LazyContext&) = delete;
+    ~LazyContext() {
+        if (context_) g_object_unref(context_);
+    }
+    PangoContext* operator()() {
+        if (!context_) context_ = textEngine().newContext();
+        return context_;
+    }
+
+private:
+    PangoContext* context_ = nullptr;
+};
+
+void drawText(cairo_t* cr, LazyContext& context, const TextDraw& t, Rect f, Appearance appearance) {
     const RGBA c = resolve(t.color, appearance);
     if (c.a <= 0 || t.runs.empty()) return;
     std::lock_guard lock(textEngine().mutex());
@@ -315,7 +334,7 @@ void drawText(cairo_t* cr, PangoContext* context, const TextDraw& t, Rect f, App
     // otherwise Pango sets it again with the small allowance that keeps
     // rounding from rewrapping, and the ellipsis is a guard should a face
     // differ.
-    auto [layout, line] = unwrappedText(context, t.runs);
+    auto [layout, line] = unwrappedText([&] { return context(); }, t.runs);
     int width = 0;
     if (line) {
         width = line->width;
@@ -345,11 +364,11 @@ void drawText(cairo_t* cr, PangoContext* context, const TextDraw& t, Rect f, App
     } else {
         if (layout) g_object_unref(layout);
         if (t.lineLimit && *t.lineLimit == 1) {
-            layout = createTextLayout(context, t.runs, std::nullopt);
+            layout = createTextLayout(context(), t.runs, std::nullopt);
             pango_layout_set_width(layout, static_cast<int>(std::ceil((f.width + 0.5) * PANGO_SCALE)));
             pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);
         } else {
-            layout = createTextLayout(context, t.runs, f.width + 0.5);
+            layout = createTextLayout(context(), t.runs, f.width + 0.5);
             if (t.lineLimit) {
                 pango_layout_set_height(layout, -*t.lineLimit);
                 pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);
@@ -396,7 +415,7 @@ void paint(cairo_t* cr, const DisplayList& list, Appearance appearance) {
     // (unhinted, so the result is the same as fonts made for each device
     // size), and the fonts, their glyph shapes and Pango's font set-up are
     // made once per size rather than once per size and scale.
-    PangoContext* context = textEngine().newContext();
+    LazyContext context;
     int clipDepth = 0;
     for (const DrawOp& op : list.ops) {
         std::visit(
@@ -435,7 +454,6 @@ void paint(cairo_t* cr, const DisplayList& list, Appearance appearance) {
             op.item);
     }
     while (clipDepth-- > 0) cairo_restore(cr);
-    g_object_unref(context);
     cairo_restore(cr);
 }
 

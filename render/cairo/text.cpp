@@ -36,15 +36,7 @@ bool familyInstalled(const char* family) {
     return found;
 }
 
-PangoWeight pangoWeight(Weight w) {
-    switch (w) {
-        case Weight::regular: return PANGO_WEIGHT_NORMAL;
-        case Weight::medium: return PANGO_WEIGHT_MEDIUM;
-        case Weight::semibold: return PANGO_WEIGHT_SEMIBOLD;
-        case Weight::bold: return PANGO_WEIGHT_BOLD;
-    }
-    return PANGO_WEIGHT_NORMAL;
-}
+PangoWeight pangoWeight(Weight w) { return static_cast<PangoWeight>(openTypeWeight(w)); }
 
 // A face keeps tabular digits when, with "tnum" on, every digit advances alike.
 bool hasTabularDigits(const char* family) {
@@ -181,10 +173,23 @@ std::string fontFamily(Design design) {
     return rounded;
 }
 
+int openTypeWeight(Weight w) {
+    switch (w) {
+        case Weight::regular: return 400;
+        case Weight::medium: return 500;
+        case Weight::semibold: return 600;
+        case Weight::bold: return 700;
+    }
+    return 400;
+}
+
 int fontSize(const Font& font) { return static_cast<int>(std::max(0.1, font.size) * PANGO_SCALE); }
 
 int letterSpacing(const TextStyle& style) { return static_cast<int>(std::lround(style.tracking * PANGO_SCALE)); }
 
+namespace {
+
+// FONT's family, weight and size as a Pango description. Caller frees.
 PangoFontDescription* fontDescription(const Font& font) {
     PangoFontDescription* desc = pango_font_description_new();
     const std::string family = fontFamily(font.design);
@@ -193,6 +198,8 @@ PangoFontDescription* fontDescription(const Font& font) {
     pango_font_description_set_absolute_size(desc, fontSize(font));
     return desc;
 }
+
+}  // namespace
 
 PangoLayout* createTextLayout(PangoContext* context, const std::vector<TextRun>& runs,
                               std::optional<double> wrapWidth) {
@@ -228,9 +235,16 @@ PangoLayout* createTextLayout(PangoContext* context, const std::vector<TextRun>&
     return layout;
 }
 
-PangoTextMeasurer::PangoTextMeasurer() : context_(textEngine().newContext()) {}
+PangoTextMeasurer::PangoTextMeasurer() = default;
 
-PangoTextMeasurer::~PangoTextMeasurer() { g_object_unref(context_); }
+PangoTextMeasurer::~PangoTextMeasurer() {
+    if (context_) g_object_unref(context_);
+}
+
+PangoContext* PangoTextMeasurer::context() const {
+    if (!context_) context_ = textEngine().newContext();
+    return context_;
+}
 
 TextMetrics PangoTextMeasurer::measure(const std::vector<TextRun>& runs, std::optional<double> wrapWidth) const {
     std::string key = cacheKey(runs, wrapWidth);
@@ -238,12 +252,12 @@ TextMetrics PangoTextMeasurer::measure(const std::vector<TextRun>& runs, std::op
 
     std::lock_guard lock(textEngine().mutex());
     TextMetrics m;
-    if (auto line = wrapWidth ? std::nullopt : setGlyphLine(context_, runs)) {
+    if (auto line = wrapWidth ? std::nullopt : setGlyphLine(runs)) {
         m.size = {static_cast<double>(line->width) / PANGO_SCALE, static_cast<double>(line->height) / PANGO_SCALE};
         m.lineHeight = m.size.height;
         layoutShelf().put(key, {nullptr, std::move(line)});
     } else {
-        PangoLayout* layout = createTextLayout(context_, runs, wrapWidth);
+        PangoLayout* layout = createTextLayout(context(), runs, wrapWidth);
         PangoRectangle logical;
         pango_layout_get_extents(layout, nullptr, &logical);
         m.lines = std::max(1, pango_layout_get_line_count(layout));
@@ -261,14 +275,16 @@ void keepMeasuredLayouts(std::size_t count) {
     layoutShelf().resize(count);
 }
 
-UnwrappedText unwrappedText(PangoContext* context, const std::vector<TextRun>& runs) {
+UnwrappedText unwrappedText(const std::function<PangoContext*()>& context, const std::vector<TextRun>& runs) {
     if (const auto* kept = layoutShelf().find(cacheKey(runs, std::nullopt))) {
         if (kept->line) return {nullptr, kept->line};
         return {PANGO_LAYOUT(g_object_ref(kept->layout)), std::nullopt};
     }
-    if (auto line = setGlyphLine(context, runs)) return {nullptr, std::move(line)};
-    return {createTextLayout(context, runs, std::nullopt), std::nullopt};
+    if (auto line = setGlyphLine(runs)) return {nullptr, std::move(line)};
+    return {createTextLayout(context(), runs, std::nullopt), std::nullopt};
 }
+
+void prepareFonts() { (void)widgetFontConfig(); }
 
 const TextMeasurer& systemTextMeasurer() {
     static const PangoTextMeasurer measurer;

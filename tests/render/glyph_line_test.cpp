@@ -6,6 +6,7 @@
 
 #include <cairo.h>
 
+#include <clocale>
 #include <cstring>
 #include <mutex>
 
@@ -52,7 +53,7 @@ TEST(GlyphLine, MeasuresEveryTextAsPangoDoes) {
     const double sizes[] = {5.5, 8, 9.5, 13, 8.2935, 17.0001, 31.3};
     std::lock_guard lock(textEngine().mutex());
     int compared = 0;
-    for (const char* language : {"en-us", "tr", "nl", "ja"}) {
+    for (const char* language : {"en-us", "tr", "nl", "c"}) {
         Context c(language);
         for (std::size_t i = 0; i < std::size(texts); ++i) {
             const Weight weight = weights[i % 4];
@@ -64,7 +65,7 @@ TEST(GlyphLine, MeasuresEveryTextAsPangoDoes) {
                                      Runs{run("AV", size, weight), run(texts[i], size, weight)},
                                      Runs{tracked(run(texts[i], size, weight, tabular), 0.6)},
                                      Runs{tracked(run("ffi", 9), 1), run(texts[i], size), tracked(run("fl", 7), -0.37)}}) {
-                const auto line = setGlyphLine(c.context, runs);
+                const auto line = setGlyphLine(runs, language);
                 ASSERT_TRUE(line.has_value()) << texts[i];
                 PangoLayout* layout = createTextLayout(c.context, runs, std::nullopt);
                 PangoRectangle logical;
@@ -96,8 +97,56 @@ TEST(GlyphLine, LeavesToPangoWhatOnlyPangoSets) {
         {"broken UTF-8", {run("ab\xC3(", 12)}},
     };
     std::lock_guard lock(textEngine().mutex());
+    for (const auto& [what, runs] : cases) EXPECT_FALSE(setGlyphLine(runs).has_value()) << what;
+}
+
+// Latin text in a language Pango shapes it in: only languages Pango writes
+// in Latin letters, named as Pango names them; any other goes to Pango.
+TEST(GlyphLine, SetsOnlyLanguagesPangoWritesInLatin) {
+    const std::pair<const char*, const char*> locales[] = {
+        {"C", "c"}, {"C.UTF-8", "c"}, {"en_US.UTF-8", "en-us"}, {"de_DE@euro", "de-de"}, {"pt_BR", "pt-br"}};
+    for (const auto& [locale, tag] : locales) {
+        EXPECT_EQ(languageTag(locale), tag);
+        EXPECT_STREQ(pango_language_to_string(pango_language_from_string(tag)), tag);
+    }
+    EXPECT_EQ(languageTag(std::setlocale(LC_CTYPE, nullptr)), pango_language_to_string(pango_language_get_default()));
+    std::lock_guard lock(textEngine().mutex());
+    int set = 0;
+    for (const char* tag : {"c",  "af", "ar", "bg", "ca", "cs", "cy", "da", "de", "el", "en", "en-gb", "eo", "es", "et",
+                            "eu", "fa", "fi", "fo", "fr", "fy", "ga", "gd", "gl", "he", "hi", "hr", "hu", "hy", "id",
+                            "is", "it", "ja", "ka", "ko", "la", "lb", "lt", "lv", "mk", "ms", "mt", "nb", "nl", "nn",
+                            "no", "pl", "pt", "ro", "ru", "sk", "sl", "sq", "sr", "sv", "th", "tr", "uk", "zh-cn"}) {
+        if (!setGlyphLine({run("Usage 42%", 12)}, tag)) continue;
+        ++set;
+        EXPECT_TRUE(pango_language_includes_script(pango_language_from_string(tag), PANGO_SCRIPT_LATIN)) << tag;
+    }
+    EXPECT_GE(set, 30);
+    EXPECT_FALSE(setGlyphLine({run("Usage 42%", 12)}, "ja").has_value());
+}
+
+// The faces are the ones Pango picks, drawn through the same Cairo face with
+// the same options.
+TEST(GlyphLine, TakesTheFacesPangoTakes) {
+    std::lock_guard lock(textEngine().mutex());
     Context c;
-    for (const auto& [what, runs] : cases) EXPECT_FALSE(setGlyphLine(c.context, runs).has_value()) << what;
+    for (const Weight weight : {Weight::regular, Weight::medium, Weight::semibold, Weight::bold}) {
+        for (const double size : {7.5, 13.0, 28.0}) {
+            const auto line = setGlyphLine({run("Abc", size, weight)});
+            ASSERT_TRUE(line.has_value());
+            PangoLayout* layout = createTextLayout(c.context, {run("Abc", size, weight)}, std::nullopt);
+            PangoLayoutRun* first = pango_layout_get_line_readonly(layout, 0)->runs
+                                        ? static_cast<PangoLayoutRun*>(pango_layout_get_line_readonly(layout, 0)->runs->data)
+                                        : nullptr;
+            ASSERT_NE(first, nullptr);
+            cairo_scaled_font_t* scaled = pango_cairo_font_get_scaled_font(PANGO_CAIRO_FONT(first->item->analysis.font));
+            EXPECT_EQ(cairo_scaled_font_get_font_face(scaled), line->runs[0].face);
+            cairo_font_options_t* options = cairo_font_options_create();
+            cairo_scaled_font_get_font_options(scaled, options);
+            EXPECT_TRUE(cairo_font_options_equal(options, line->runs[0].options));
+            cairo_font_options_destroy(options);
+            g_object_unref(layout);
+        }
+    }
 }
 
 struct Image {
@@ -127,7 +176,7 @@ TEST(GlyphLine, DrawsPangosPixels) {
     std::lock_guard lock(textEngine().mutex());
     Context c;
     for (const Runs& runs : texts) {
-        const auto line = setGlyphLine(c.context, runs);
+        const auto line = setGlyphLine(runs);
         ASSERT_TRUE(line.has_value());
         PangoLayout* layout = createTextLayout(c.context, runs, std::nullopt);
         for (const double scale : {1.0, 1.5, 2.0, 3.0}) {
