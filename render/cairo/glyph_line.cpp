@@ -7,6 +7,7 @@
 #include <array>
 #include <clocale>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -166,8 +167,8 @@ std::pair<int, int> letterSpaceHalves(int spacing) {
 
 // Pango's letter spacing of one item: half the spacing before and half after
 // every cluster, and, at the ends of the line, only inwards. CLUSTERS gives
-// each glyph's first byte; the text has one character per byte range that
-// starts a cluster (every character here is a cursor position).
+// each glyph's cluster (its first byte in the paragraph); every character
+// set here starts a cluster that a cursor can stand before.
 void spaceLetters(std::vector<Advance>& glyphs, const std::vector<unsigned>& clusters, unsigned itemStart,
                   unsigned itemEnd, int spacing, bool firstItem, bool lastItem) {
     const auto [left, right] = letterSpaceHalves(spacing);
@@ -264,13 +265,11 @@ std::optional<GlyphLine> setGlyphLine(const std::vector<TextRun>& runs, const st
     GlyphLine line;
     int top = 0;
     int bottom = 0;
-    hb_buffer_t* buffer = hb_buffer_create();
+    const std::unique_ptr<hb_buffer_t, decltype(&hb_buffer_destroy)> shaped(hb_buffer_create(), hb_buffer_destroy);
+    hb_buffer_t* const buffer = shaped.get();
     for (const Item& item : items) {
         const Face* face = faceFor(item.style.font, language);
-        if (!face) {
-            hb_buffer_destroy(buffer);
-            return std::nullopt;
-        }
+        if (!face) return std::nullopt;
         hb_font_t* font = fontAt(*face, item.size);
         // Every character from this face: Pango takes the first face of the
         // font's set that has it, which for anything else is a fallback.
@@ -278,10 +277,7 @@ std::optional<GlyphLine> setGlyphLine(const std::vector<TextRun>& runs, const st
         for (const char* p = text.data() + item.start; p < end; p = g_utf8_next_char(p)) {
             hb_codepoint_t glyph = 0;
             const gunichar c = g_utf8_get_char(p);
-            if (!FcCharSetHasChar(face->charset, c) || !hb_font_get_nominal_glyph(font, c, &glyph)) {
-                hb_buffer_destroy(buffer);
-                return std::nullopt;
-            }
+            if (!FcCharSetHasChar(face->charset, c) || !hb_font_get_nominal_glyph(font, c, &glyph)) return std::nullopt;
         }
         hb_buffer_clear_contents(buffer);
         hb_buffer_set_direction(buffer, HB_DIRECTION_LTR);
@@ -332,7 +328,6 @@ std::optional<GlyphLine> setGlyphLine(const std::vector<TextRun>& runs, const st
         top = first ? -extents.ascender : std::min(top, -extents.ascender);
         bottom = first ? -extents.descender : std::max(bottom, -extents.descender);
     }
-    hb_buffer_destroy(buffer);
     line.height = bottom - top;
     line.baseline = -top;
     return line;
